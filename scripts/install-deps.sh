@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs every Debian package Lumivex needs to build, run, test and benchmark.
+# Idempotent: packages already present are left alone. Run as root (or with sudo available).
+set -euo pipefail
+
+PACKAGES=(
+  # toolchain
+  build-essential cmake ninja-build pkg-config git clang-format
+  # Qt 6: widgets, network, svg, image format plugins (TIFF, WebP), multimedia
+  qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-image-formats-plugins qt6-multimedia-dev
+  qt6-qpa-plugins libgl-dev
+  # vision and pixel work, with the Haar cascades and sample photographs
+  libopencv-dev opencv-data opencv-doc
+  # video
+  libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
+  # PDF, HTTP
+  libhpdf-dev libcpp-httplib-dev
+  # tests and benchmarks
+  libgtest-dev libgmock-dev googletest libbenchmark-dev
+  # a display for the window on headless machines, fonts
+  xvfb xauth fonts-dejavu-core fonts-noto-color-emoji
+)
+
+missing=()
+for p in "${PACKAGES[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$p")
+  fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "install-deps: all packages present"
+  exit 0
+fi
+
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+echo "install-deps: installing ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

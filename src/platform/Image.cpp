@@ -1,0 +1,361 @@
+#include "platform/Image.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QImageIOHandler>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QPainter>
+#include <QTransform>
+#include <QtEndian>
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <mutex>
+
+namespace {
+
+using Transformations = QImageIOHandler::Transformations;
+
+struct OrientationInfo {
+    ImageOrientation orientation;
+    int exif;
+    QImageIOHandler::Transformation transformation; // what turns the stored pixels upright
+};
+
+// Indexed by the orientation's raw value.
+constexpr std::array<OrientationInfo, 8> orientationTable{{
+    {ImageOrientation::up, 1, QImageIOHandler::TransformationNone},
+    {ImageOrientation::down, 3, QImageIOHandler::TransformationRotate180},
+    {ImageOrientation::left, 8, QImageIOHandler::TransformationRotate270},
+    {ImageOrientation::right, 6, QImageIOHandler::TransformationRotate90},
+    {ImageOrientation::upMirrored, 2, QImageIOHandler::TransformationMirror},
+    {ImageOrientation::downMirrored, 4, QImageIOHandler::TransformationFlip},
+    {ImageOrientation::leftMirrored, 5, QImageIOHandler::TransformationFlipAndRotate90},
+    {ImageOrientation::rightMirrored, 7, QImageIOHandler::TransformationMirrorAndRotate90},
+}};
+
+const OrientationInfo& infoFor(ImageOrientation orientation) {
+    return orientationTable[static_cast<std::size_t>(orientation) & 7];
+}
+
+ImageOrientation orientationFor(Transformations transformations) {
+    for (const auto& info : orientationTable)
+        if (Transformations(info.transformation) == transformations)
+            return info.orientation;
+    return ImageOrientation::up;
+}
+
+bool swapsSides(ImageOrientation orientation) {
+    return infoFor(orientation).transformation & QImageIOHandler::TransformationRotate90;
+}
+
+bool isRestartOrStuffing(uchar byte) {
+    return byte == 0x00 || (byte >= 0xD0 && byte <= 0xD7);
+}
+
+// libjpeg decodes a cut-off file without complaint, padding the missing rows with grey, so the file's
+// structure is checked first: every segment must fit and the end-of-image marker must be reached.
+bool jpegIsComplete(const QByteArray& data) {
+    const auto* p = reinterpret_cast<const uchar*>(data.constData());
+    const qsizetype n = data.size();
+    if (n < 4 || p[0] != 0xFF || p[1] != 0xD8)
+        return false;
+    qsizetype i = 2;
+    while (i < n) {
+        // Tolerate stray bytes between segments, as libjpeg does.
+        while (i < n && p[i] != 0xFF)
+            ++i;
+        while (i < n && p[i] == 0xFF)
+            ++i;
+        if (i >= n)
+            return false;
+        const uchar marker = p[i++];
+        if (marker == 0xD9)
+            return true;
+        if (marker == 0x01 || (marker >= 0xD0 && marker <= 0xD7))
+            continue;
+        if (i + 2 > n)
+            return false;
+        const int length = (p[i] << 8) | p[i + 1];
+        if (length < 2 || i + length > n)
+            return false;
+        i += length;
+        if (marker == 0xDA) {
+            // Entropy-coded data runs until a marker that is neither a stuffed zero nor a restart.
+            for (;;) {
+                const void* ff = std::memchr(p + i, 0xFF, static_cast<std::size_t>(n - i));
+                if (!ff)
+                    return false;
+                i = static_cast<const uchar*>(ff) - p;
+                if (i + 1 >= n)
+                    return false;
+                if (!isRestartOrStuffing(p[i + 1]))
+                    break;
+                i += 2;
+            }
+        }
+    }
+    return false;
+}
+
+// A PNG is whole when its chunks follow each other up to IEND.
+bool pngIsComplete(const QByteArray& data) {
+    const auto* p = reinterpret_cast<const uchar*>(data.constData());
+    const qsizetype n = data.size();
+    qsizetype i = 8;
+    while (i + 12 <= n) {
+        const quint32 length = qFromBigEndian<quint32>(p + i);
+        const bool isEnd = std::memcmp(p + i + 4, "IEND", 4) == 0;
+        if (length > 0x7FFFFFFFu || qsizetype(length) > n - i - 12)
+            return false;
+        i += 12 + qsizetype(length);
+        if (isEnd)
+            return true;
+    }
+    return false;
+}
+
+// Qt's BMP reader fills in whatever rows are missing, so the pixel array must be all there.
+bool bmpIsComplete(const QByteArray& data) {
+    const auto* p = reinterpret_cast<const uchar*>(data.constData());
+    const qsizetype n = data.size();
+    if (n < 26)
+        return false;
+    const std::int64_t pixelOffset = qFromLittleEndian<quint32>(p + 10);
+    const quint32 headerSize = qFromLittleEndian<quint32>(p + 14);
+    std::int64_t width, height, bitsPerPixel;
+    quint32 compression = 0;
+    if (headerSize == 12) { // the old OS/2 header
+        width = qFromLittleEndian<quint16>(p + 18);
+        height = qFromLittleEndian<quint16>(p + 20);
+        bitsPerPixel = qFromLittleEndian<quint16>(p + 24);
+    } else {
+        if (n < 38)
+            return false;
+        width = qFromLittleEndian<qint32>(p + 18);
+        height = std::abs(std::int64_t(qFromLittleEndian<qint32>(p + 22)));
+        bitsPerPixel = qFromLittleEndian<quint16>(p + 28);
+        compression = qFromLittleEndian<quint32>(p + 30);
+    }
+    constexpr quint32 rgb = 0, bitfields = 3, alphaBitfields = 6;
+    if (compression != rgb && compression != bitfields && compression != alphaBitfields) {
+        // Run-length data has no fixed size; the declared image size is all there is to go by.
+        const quint32 imageSize = qFromLittleEndian<quint32>(p + 34);
+        return pixelOffset + imageSize <= n;
+    }
+    const std::int64_t rowBytes = (bitsPerPixel * width + 31) / 32 * 4;
+    return pixelOffset + rowBytes * height <= n;
+}
+
+// Qt's GIF reader shows a cut-off frame as far as it got. Only the first frame is read, so the file
+// must hold that frame's data up to its terminating block.
+bool gifIsComplete(const QByteArray& data) {
+    const auto* p = reinterpret_cast<const uchar*>(data.constData());
+    const qsizetype n = data.size();
+    auto colorTableSize = [](uchar flags) { return (flags & 0x80) ? 3 * (2 << (flags & 7)) : 0; };
+    // Skips a chain of sub-blocks; answers the position after the terminator, or -1.
+    auto skipSubBlocks = [&](qsizetype i) -> qsizetype {
+        while (i < n) {
+            const uchar length = p[i++];
+            if (length == 0)
+                return i;
+            i += length;
+        }
+        return -1;
+    };
+    if (n < 13)
+        return false;
+    qsizetype i = 13 + colorTableSize(p[10]);
+    while (i < n) {
+        const uchar block = p[i++];
+        if (block == 0x21) { // extension: label, then sub-blocks
+            if (++i > n || (i = skipSubBlocks(i)) < 0)
+                return false;
+        } else if (block == 0x2C) { // image: descriptor, local colours, code size, sub-blocks
+            if (i + 9 > n)
+                return false;
+            i += 9 + colorTableSize(p[i + 8]) + 1;
+            return i <= n && skipSubBlocks(i) >= 0;
+        } else {
+            return false; // the trailer or garbage before any frame
+        }
+    }
+    return false;
+}
+
+bool isComplete(const QByteArray& format, const QByteArray& data) {
+    if (format == "jpeg" || format == "jpg")
+        return jpegIsComplete(data);
+    if (format == "png")
+        return pngIsComplete(data);
+    if (format == "bmp")
+        return bmpIsComplete(data);
+    if (format == "gif")
+        return gifIsComplete(data);
+    return true;
+}
+
+// Qt refuses by default to allocate more than 256 MB for a decoded picture, which a 70 MP photo already
+// exceeds. Our own pixel limit has been checked by now, so make room for what it allows: up to 16 bytes
+// per pixel, for float TIFFs. The limit is process-wide, so it is only ever raised.
+void ensureAllocationLimit(std::int64_t pixels) {
+    static std::mutex mutex;
+    const std::int64_t neededMb = pixels * 16 / (1024 * 1024) + 1;
+    std::lock_guard lock(mutex);
+    const int current = QImageReader::allocationLimit();
+    if (current != 0 && current < neededMb)
+        QImageReader::setAllocationLimit(static_cast<int>(neededMb));
+}
+
+bool isValidScale(double scale) {
+    return std::isfinite(scale) && scale > 0;
+}
+
+ImagePtr decode(const QByteArray& data, double scale, QString* error) {
+    auto fail = [error](const QString& reason) {
+        if (error)
+            *error = reason;
+        return ImagePtr();
+    };
+    if (!isValidScale(scale))
+        return fail(QStringLiteral("invalid scale"));
+    if (data.isEmpty())
+        return fail(QStringLiteral("empty file"));
+
+    QBuffer buffer;
+    buffer.setData(data);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    // The phone keeps pixels as stored and carries the EXIF orientation as a flag; so do we.
+    reader.setAutoTransform(false);
+    if (!reader.canRead())
+        return fail(QStringLiteral("not a picture in a readable format"));
+
+    const QByteArray format = reader.format();
+    const QSize size = reader.size();
+    if (!size.isValid() || size.isEmpty())
+        return fail(QStringLiteral("picture size cannot be read"));
+    const std::int64_t pixels = std::int64_t(size.width()) * size.height();
+    if (pixels > Image::maxPixelCount)
+        return fail(
+            QStringLiteral("picture of %1 × %2 pixels is too large").arg(size.width()).arg(size.height()));
+    if (!isComplete(format, data))
+        return fail(QStringLiteral("truncated %1 file").arg(QString::fromLatin1(format)));
+
+    ensureAllocationLimit(pixels);
+    QImage bitmap;
+    if (!reader.read(&bitmap) || bitmap.isNull())
+        return fail(QStringLiteral("cannot decode picture: %1").arg(reader.errorString()));
+    if (bitmap.size() != size)
+        return fail(QStringLiteral("decoded picture does not match its declared size"));
+
+    ImagePtr image = Image::make(std::move(bitmap), scale, orientationFor(reader.transformation()));
+    if (!image)
+        return fail(QStringLiteral("cannot decode picture"));
+    return image;
+}
+
+QByteArray encode(const QImage& image, const char* format, int quality) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QImageWriter writer(&buffer, format);
+    writer.setQuality(quality);
+    if (!writer.write(image))
+        return {};
+    return bytes;
+}
+
+} // namespace
+
+int exifOrientation(ImageOrientation orientation) {
+    return infoFor(orientation).exif;
+}
+
+std::optional<ImageOrientation> orientationFromExif(int exifValue) {
+    for (const auto& info : orientationTable)
+        if (info.exif == exifValue)
+            return info.orientation;
+    return std::nullopt;
+}
+
+Image::Image(QImage bitmap, double scale, ImageOrientation orientation)
+    : bitmap_(std::move(bitmap)), scale_(scale), orientation_(orientation) {}
+
+ImagePtr Image::make(QImage bitmap, double scale, ImageOrientation orientation) {
+    if (bitmap.isNull() || !isValidScale(scale))
+        return nullptr;
+    const QImage::Format format =
+        bitmap.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    if (bitmap.format() != format)
+        bitmap.convertTo(format);
+    if (bitmap.isNull())
+        return nullptr; // conversion could not allocate
+    if (bitmap.devicePixelRatio() != 1.0)
+        bitmap.setDevicePixelRatio(1.0);
+    return ImagePtr(new Image(std::move(bitmap), scale, orientation));
+}
+
+ImagePtr Image::fromFile(const QString& path, double scale, QString* error) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        if (error)
+            *error = QStringLiteral("cannot open %1: %2").arg(path, file.errorString());
+        return nullptr;
+    }
+    return decode(file.readAll(), scale, error);
+}
+
+ImagePtr Image::fromData(const QByteArray& data, double scale, QString* error) {
+    return decode(data, scale, error);
+}
+
+QSizeF Image::size() const {
+    QSizeF pixels = bitmap_.size();
+    if (swapsSides(orientation_))
+        pixels.transpose();
+    return pixels / scale_;
+}
+
+QImage Image::uprightBitmap() const {
+    const auto transformation = infoFor(orientation_).transformation;
+    if (transformation == QImageIOHandler::TransformationNone)
+        return bitmap_;
+    if (transformation == QImageIOHandler::TransformationRotate270)
+        return bitmap_.transformed(QTransform().rotate(270));
+    // Qt's own order for these flags: mirror or flip first, then turn a quarter clockwise.
+    QImage result = bitmap_;
+    const bool mirror = transformation & QImageIOHandler::TransformationMirror;
+    const bool flip = transformation & QImageIOHandler::TransformationFlip;
+    if (mirror || flip)
+        result = result.mirrored(mirror, flip);
+    if (transformation & QImageIOHandler::TransformationRotate90)
+        result = result.transformed(QTransform().rotate(90));
+    return result;
+}
+
+ImagePtr Image::withOrientation(ImageOrientation orientation, double scale) const {
+    return make(bitmap_, scale, orientation);
+}
+
+QByteArray Image::jpegData(double quality) const {
+    const double q = std::isnan(quality) ? 0.0 : std::clamp(quality, 0.0, 1.0);
+    QImage upright = uprightBitmap();
+    if (upright.hasAlphaChannel()) {
+        QImage flat(upright.size(), QImage::Format_RGB32);
+        if (flat.isNull())
+            return {};
+        flat.fill(Qt::white);
+        QPainter painter(&flat);
+        painter.drawImage(0, 0, upright);
+        painter.end();
+        upright = std::move(flat);
+    }
+    return encode(upright, "jpeg", static_cast<int>(std::lround(q * 100)));
+}
+
+QByteArray Image::pngData() const {
+    return encode(uprightBitmap(), "png", -1);
+}

@@ -3,6 +3,7 @@
 #include "platform/Screen.h"
 #include "platform/ViewController.h"
 
+#include <QGuiApplication>
 #include <QPointer>
 
 namespace {
@@ -22,6 +23,8 @@ AppWindow::AppWindow(QWidget* parent) : QWidget(parent) {
 }
 
 AppWindow::~AppWindow() = default;
+
+ViewController* AppWindow::rootViewController() const { return root_.data(); }
 
 void AppWindow::setRootViewController(ViewController* controller) {
     if (controller == root_)
@@ -51,8 +54,11 @@ void AppWindow::setRootViewController(ViewController* controller) {
 void AppWindow::makeKeyAndVisible() {
     currentKeyWindow = this;
     show();
-    raise();
-    activateWindow();
+    // The offscreen platform has no window stacking and warns about trying.
+    if (QGuiApplication::platformName() != QLatin1String("offscreen")) {
+        raise();
+        activateWindow();
+    }
 }
 
 AppWindow* AppWindow::keyWindow() { return currentKeyWindow; }

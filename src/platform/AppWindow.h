@@ -14,7 +14,7 @@ public:
 
     // Replaces the root screen at once; the old root and what it presented are deleted.
     void setRootViewController(ViewController* controller);
-    ViewController* rootViewController() const { return root_; }
+    ViewController* rootViewController() const;
 
     // Shows the window and makes it the one that receives input.
     void makeKeyAndVisible();

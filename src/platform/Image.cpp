@@ -197,7 +197,7 @@ bool isComplete(const QByteArray& format, const QByteArray& data) {
     return true;
 }
 
-// Qt refuses by default to allocate more than 256 MB for a decoded picture, which a 70 MP photo already
+// Qt refuses by default to allocate more than 128 MB for a decoded picture, which a 40 MP photo already
 // exceeds. Our own pixel limit has been checked by now, so make room for what it allows: up to 16 bytes
 // per pixel, for float TIFFs. The limit is process-wide, so it is only ever raised.
 void ensureAllocationLimit(std::int64_t pixels) {

@@ -9,9 +9,10 @@ def png_chunk(kind, payload):
 
 
 def huge_header_png():
-    # Declares 20000 x 20000 RGBA pixels but carries none: only the size check may refuse it.
+    # Declares 20000 x 20000 RGBA pixels but carries one short row: only the size check may refuse it.
     ihdr = struct.pack(">IIBBBBB", 20000, 20000, 8, 6, 0, 0, 0)
-    return b"\x89PNG\r\n\x1a\n" + png_chunk(b"IHDR", ihdr) + png_chunk(b"IEND", b"")
+    idat = zlib.compress(bytes(64))
+    return b"\x89PNG\r\n\x1a\n" + png_chunk(b"IHDR", ihdr) + png_chunk(b"IDAT", idat) + png_chunk(b"IEND", b"")
 
 
 def stripes_gif(width=48, height=32):

@@ -1,0 +1,28 @@
+#!/bin/sh
+# Runs the mask and backdrop benchmarks and prints each against its yardstick, as a ratio of mean
+# real times (lower is better): BM_FeatherMask / BM_WriteFloor and BM_BackdropBlur / BM_BackdropBlurOpenCV.
+# Usage: bench/compare.sh [path/to/lumivex_bench] [repetitions]
+set -eu
+bench=${1:-build/bin/lumivex_bench}
+reps=${2:-5}
+out=$(mktemp)
+trap 'rm -f "$out"' EXIT
+"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV)$' \
+    --benchmark_repetitions="$reps" --benchmark_report_aggregates_only=true \
+    --benchmark_format=json >"$out"
+python3 - "$out" <<'PY'
+import json, sys
+runs = json.load(open(sys.argv[1]))["benchmarks"]
+def stat(name, agg):
+    for r in runs:
+        if r.get("run_name") == name and r.get("aggregate_name") == agg:
+            return r["real_time"], r["time_unit"]
+    raise SystemExit("missing " + name)
+for num, den, target in (("BM_FeatherMask", "BM_WriteFloor", 2.0),
+                         ("BM_BackdropBlur", "BM_BackdropBlurOpenCV", 1.0)):
+    (a, ua), (b, ub) = stat(num, "mean"), stat(den, "mean")
+    (ma, _), (mb, _) = stat(num, "median"), stat(den, "median")
+    assert ua == ub, "time units differ"
+    print(f"{num} / {den}: mean {a:.3f} / {b:.3f} {ua} = {a / b:.2f}  "
+          f"(median ratio {ma / mb:.2f}, target <= {target})")
+PY

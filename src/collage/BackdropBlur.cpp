@@ -50,6 +50,26 @@ void applyVeil(QImage& image, double veil) {
     }
 }
 
+// Averages the centred `width` × `height` window of the stored pixels down to `size`. Averaging by a
+// whole factor takes OpenCV's fast path, about three times quicker on a camera photo, so the window is
+// trimmed to a multiple of the whole part of `step` (losing less than a working pixel at the edges),
+// and only the remainder is averaged the general way, on a picture already many times smaller.
+QImage shrink(const QImage& stored, int width, int height, QSize size, double step) {
+    const int factor = static_cast<int>(step);
+    if (factor < 2 || width < factor || height < factor) {
+        const QRect window((stored.width() - width) / 2, (stored.height() - height) / 2, width, height);
+        return ImageFilters::areaScaled(stored, window, size);
+    }
+    const int trimmedWidth = width / factor * factor;
+    const int trimmedHeight = height / factor * factor;
+    const QRect window((stored.width() - trimmedWidth) / 2, (stored.height() - trimmedHeight) / 2,
+                       trimmedWidth, trimmedHeight);
+    const QImage coarse = ImageFilters::areaScaled(stored, window, window.size() / factor);
+    if (coarse.isNull() || coarse.size() == size)
+        return coarse;
+    return ImageFilters::areaScaled(coarse, coarse.rect(), size);
+}
+
 } // namespace
 
 QImage make(const Image& photo, QSizeF paneSizePoints, double screenScale, double fraction) {
@@ -85,8 +105,7 @@ QImage make(const Image& photo, QSizeF paneSizePoints, double screenScale, doubl
         std::swap(windowW, windowH);
         std::swap(workWidth, workHeight);
     }
-    const QRect window((stored.width() - windowW) / 2, (stored.height() - windowH) / 2, windowW, windowH);
-    QImage small = ImageFilters::areaScaled(stored, window, QSize(workWidth, workHeight));
+    QImage small = shrink(stored, windowW, windowH, QSize(workWidth, workHeight), step);
     if (small.isNull())
         return {};
     if (photo.orientation() != ImageOrientation::up) {

@@ -16,6 +16,7 @@ constexpr double kBadgeIconInset = 2.0;
 constexpr double kTitleHeight = 14.0;
 constexpr double kTitleBottomInset = 6.0;
 constexpr double kSideInset = 4.0;
+constexpr double kOutlineGap = 4.0;
 
 class BadgeView : public QWidget {
 public:
@@ -62,6 +63,7 @@ void AspectRatioOptionCell::configure(CollageAspectRatioOption option, bool isSe
     const std::optional<QString> brand = brandIconName(option);
     brandIconView_->setSymbolName(brand.value_or(QString()));
     brandBadgeView_->setHidden(!brand);
+    placeBadge(); // a cell sized while hidden gets its resize event only when shown
     update();
 }
 
@@ -90,9 +92,9 @@ QRectF AspectRatioOptionCell::titleRect() const {
 }
 
 QRectF AspectRatioOptionCell::outlineRect() const {
-    // Centred in the space above the title.
+    // Centred in a box of the largest outline just above the title, clear of the badge.
     QRectF outline(QPointF(0, 0), outlineSize_);
-    outline.moveCenter(QPointF(width() / 2.0, titleRect().top() / 2.0 + 2.0));
+    outline.moveCenter(QPointF(width() / 2.0, titleRect().top() - kOutlineGap - maxOutlineDimension / 2.0));
     return outline;
 }
 

@@ -18,7 +18,7 @@ public:
 
     static constexpr double maxOutlineDimension = 26.0;
     static constexpr double minOutlineDimension = 8.0;
-    static constexpr double badgeSide = 16.0;
+    static constexpr double badgeSide = 14.0;
 
     // Size of the shape preview: the long side at the maximum, neither side under the minimum. An absent
     // ratio is drawn as a square.

@@ -10,11 +10,12 @@ using namespace CollageCellStyle;
 LayoutOptionCell::LayoutOptionCell(QWidget* parent)
     : CollageCell(parent), thumbnailView_(new LayoutThumbnailView(this)) {
     thumbnailView_->setObjectName(QStringLiteral("thumbnailView"));
-    thumbnailView_->setGeometry(
-        rect().adjusted(thumbnailMargin, thumbnailMargin, -thumbnailMargin, -thumbnailMargin));
+    placeThumbnail();
 }
 
 void LayoutOptionCell::configure(CollageLayoutOption option, bool isSelected) {
+    // A cell sized while hidden gets its resize event only when shown.
+    placeThumbnail();
     thumbnailView_->setOption(option);
     setAccessibleName(layoutOptionName(option));
     setSelected(isSelected);
@@ -31,6 +32,10 @@ QColor LayoutOptionCell::borderColor() const {
 
 void LayoutOptionCell::resizeEvent(QResizeEvent* event) {
     CollageCell::resizeEvent(event);
+    placeThumbnail();
+}
+
+void LayoutOptionCell::placeThumbnail() {
     thumbnailView_->setGeometry(
         rect().adjusted(thumbnailMargin, thumbnailMargin, -thumbnailMargin, -thumbnailMargin));
 }

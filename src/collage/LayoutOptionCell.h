@@ -28,5 +28,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void placeThumbnail();
+
     LayoutThumbnailView* thumbnailView_;
 };

@@ -27,7 +27,8 @@ std::int64_t cost(double width, double height, double scale);
 void render(uchar* alpha, qsizetype bytesPerLine, int width, int height, double hpPixels, double vpPixels);
 
 // The mask as an image at `scale`: white, premultiplied, so its alpha (and each channel) is the
-// mask. Feathers are rounded to whole points first. Null when the bitmap cannot be allocated.
+// mask. Feathers are rounded to whole points first. Null for a scale that is not positive or when
+// the bitmap cannot be allocated.
 ImagePtr make(double width, double height, double horizontalFeather, double verticalFeather, double scale);
 
 } // namespace FeatherMask

@@ -106,7 +106,7 @@ TEST(FeatherMaskTest, SubPixelPaneStillGetsOnePixel) {
     EXPECT_EQ(alphaAt(FeatherMask::make(0.1, 0.16, 0, 0, 3), 0, 0), 255);
 }
 
-TEST(FeatherMaskTest, RenderMatchesTheReferenceExactly) {
+TEST(FeatherMaskTest, MatchesTheReferenceExactly) {
     const std::vector<std::pair<double, double>> sizes = {{1, 1},        {2, 3},    {5, 17.3},   {100, 37},
                                                           {390.7, 60.2}, {0.2, 50}, {33.5, 33.5}};
     const std::vector<double> feathers = {-5, 0, 0.4, 1, 2.5, 7.49, 25, 60, 1000};
@@ -127,6 +127,8 @@ TEST(FeatherMaskTest, RenderMatchesTheReferenceExactly) {
                     buffer.assign(std::size_t(stride) * H, kSentinel);
                     FeatherMask::render(buffer.data(), stride, W, H, std::max(std::round(hf) * s, 0.0),
                                         std::max(std::round(vf) * s, 0.0));
+                    const ImagePtr mask = s > 0 ? FeatherMask::make(w, h, hf, vf, s) : nullptr;
+                    ASSERT_TRUE(mask || s == 0);
                     for (int y = 0; y < H; ++y) {
                         const uchar* row = buffer.data() + std::size_t(y) * stride;
                         ASSERT_TRUE(std::equal(row, row + W, expected.begin() + std::size_t(y) * W))
@@ -134,23 +136,9 @@ TEST(FeatherMaskTest, RenderMatchesTheReferenceExactly) {
                             << y;
                         ASSERT_TRUE(
                             std::all_of(row + W, row + stride, [](uchar b) { return b == kSentinel; }));
+                        // The image form: white, premultiplied.
+                        for (int x = 0; mask && x < W; ++x)
+                            ASSERT_EQ(mask->bitmap().pixel(x, y), qRgba(row[x], row[x], row[x], row[x]));
                     }
                 }
-}
-
-TEST(FeatherMaskTest, ImageMatchesTheReference) {
-    for (double s : {1.0, 2.0, 3.0})
-        for (const auto& [hf, vf] : std::vector<std::pair<double, double>>{{25, 25}, {0, 12.6}, {300, 3}}) {
-            int W = 0, H = 0;
-            const std::vector<uchar> expected = referenceMask(131.3, 97, hf, vf, s, W, H);
-            const ImagePtr mask = FeatherMask::make(131.3, 97, hf, vf, s);
-            ASSERT_TRUE(mask);
-            ASSERT_EQ(mask->pixelSize(), QSize(W, H));
-            for (int y = 0; y < H; ++y)
-                for (int x = 0; x < W; ++x) {
-                    const int a = expected[std::size_t(y) * W + x];
-                    ASSERT_EQ(mask->bitmap().pixel(x, y), qRgba(a, a, a, a))
-                        << x << "," << y << " scale " << s;
-                }
-        }
 }

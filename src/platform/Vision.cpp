@@ -17,12 +17,12 @@ namespace {
 
 // Both detectors run on one copy with this longer side. The people window is 128 pixels tall, so a
 // person must fill about a fifth of the longer side to be seen; faces down to 20 pixels, about 3 %, are
-// still found. Larger copies found nothing more on real photos and cost four times as much per doubling.
+// still found. The cost grows with the pixel count, and a photo's subject is rarely smaller than that.
 constexpr int workingSide = 640;
 
 // People: a window must score above hitThreshold, and a place needs more than groupThreshold overlapping
 // windows. Together they drop the lone hits that textures, circuit boards and blurred cars give (scores up
-// to about 0.6) while people standing in a room or a street score 0.9 to 2.
+// to about 0.6) while people standing in a room or a street score about 0.9 to 2.
 constexpr double hogHitThreshold = 0.5;
 constexpr double hogGroupThreshold = 2.0;
 constexpr double hogScaleStep = 1.05;
@@ -32,7 +32,7 @@ const cv::Size hogPadding(8, 8);
 
 // Faces: of the stock frontal models, "alt" with four neighbours kept every face in our test photos and
 // gave no false face on several dozen pictures of fruit, buildings, boards and paintings, where "default"
-// and "alt2" found faces in shirts, sudoku grids and brush strokes.
+// and "alt2" saw faces in a football shirt, a sudoku grid, playing cards and brush strokes.
 constexpr const char* faceCascadeFile = "haarcascade_frontalface_alt.xml";
 constexpr double faceScaleStep = 1.1;
 constexpr int faceMinNeighbours = 4;
@@ -215,7 +215,7 @@ std::optional<std::vector<VisionObservation>> VisionRequestHandler::detectFaceRe
         std::vector<VisionObservation> result;
         if (grey.cols < minSide || grey.rows < minSide)
             return result;
-        // Evens out backlit and dim faces, which the model was trained without.
+        // Stretches the contrast of dim and backlit photos, whose faces are otherwise too flat for the model.
         cv::Mat equalised;
         cv::equalizeHist(grey, equalised);
         std::vector<cv::Rect> faces;

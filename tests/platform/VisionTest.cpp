@@ -1,9 +1,10 @@
 #include "platform/Vision.h"
 
-#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTransform>
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <thread>
 
@@ -12,12 +13,8 @@ namespace {
 // Real photographs shipped with OpenCV's documentation.
 const QString photoDir = QStringLiteral("/usr/share/doc/opencv-doc/examples/data/");
 
-ImagePtr photo(const QString& name) {
-    return Image::fromFile(photoDir + name);
-}
-
 #define REQUIRE_PHOTO(image, name)                                                                           \
-    const ImagePtr image = photo(name);                                                                      \
+    const ImagePtr image = Image::fromFile(photoDir + (name));                                               \
     if (!image)                                                                                              \
         GTEST_SKIP() << "missing photo " << qPrintable(name);
 
@@ -32,16 +29,16 @@ bool anyContains(const std::vector<VisionObservation>& found, QPointF point) {
                        [&](const VisionObservation& o) { return o.boundingBox.contains(point); });
 }
 
+// Same boxes in the same order, to within a working pixel.
 void expectSameBoxes(const std::vector<VisionObservation>& actual,
-                     const std::vector<VisionObservation>& expected, const char* what) {
-    ASSERT_EQ(actual.size(), expected.size()) << what;
+                     const std::vector<VisionObservation>& expected) {
+    ASSERT_EQ(actual.size(), expected.size());
     for (std::size_t i = 0; i < actual.size(); ++i) {
-        const QRectF a = actual[i].boundingBox;
-        const QRectF e = expected[i].boundingBox;
-        EXPECT_NEAR(a.x(), e.x(), 0.01) << what << " " << i;
-        EXPECT_NEAR(a.y(), e.y(), 0.01) << what << " " << i;
-        EXPECT_NEAR(a.width(), e.width(), 0.01) << what << " " << i;
-        EXPECT_NEAR(a.height(), e.height(), 0.01) << what << " " << i;
+        const QRectF a = actual[i].boundingBox, e = expected[i].boundingBox;
+        EXPECT_LT(std::max({std::abs(a.left() - e.left()), std::abs(a.top() - e.top()),
+                            std::abs(a.right() - e.right()), std::abs(a.bottom() - e.bottom())}),
+                  0.01)
+            << i;
     }
 }
 
@@ -60,14 +57,11 @@ TEST(Vision, FindsFacesWhereTheyAreWithTheOriginAtTheBottomLeft) {
         ASSERT_TRUE(faces) << qPrintable(c.name);
         ASSERT_FALSE(faces->empty()) << qPrintable(c.name);
         const QPointF centre = measured(c.faceCentre.x(), c.faceCentre.y(), image->pixelSize());
-        EXPECT_TRUE(anyContains(*faces, centre)) << qPrintable(c.name);
-        // The face is the subject: nothing else in these photos should pass for the largest face.
+        // Nothing else in these photos may pass for a face bigger than the real one.
         EXPECT_TRUE(Vision::largestBox(*faces)->contains(centre)) << qPrintable(c.name);
-        for (const auto& face : *faces) {
-            EXPECT_GT(face.confidence, 0.0);
-            EXPECT_LE(face.confidence, 1.0);
-            EXPECT_TRUE(QRectF(0, 0, 1, 1).contains(face.boundingBox));
-        }
+        for (const auto& face : *faces)
+            EXPECT_TRUE(QRectF(0, 0, 1, 1).contains(face.boundingBox) && face.confidence > 0 &&
+                        face.confidence <= 1);
     }
 }
 
@@ -127,11 +121,11 @@ TEST(Vision, BoxesAreInTheUprightPictureWhateverTheOrientation) {
         const VisionRequestHandler handler(*Image::make(stored, 1.0, orientation));
         const auto turnedFaces = handler.detectFaceRectangles();
         ASSERT_TRUE(turnedFaces) << raw;
-        expectSameBoxes(*turnedFaces, *faces, "faces");
+        expectSameBoxes(*turnedFaces, *faces);
         if (orientation == ImageOrientation::right) {
             const auto turnedPeople = handler.detectHumanRectangles();
             ASSERT_TRUE(turnedPeople);
-            expectSameBoxes(*turnedPeople, *people, "people");
+            expectSameBoxes(*turnedPeople, *people);
         }
     }
 
@@ -159,7 +153,7 @@ TEST(Vision, HandlersOnSeveralThreadsAgree) {
         thread.join();
     for (const auto& result : results) {
         ASSERT_TRUE(result);
-        expectSameBoxes(*result, *expected, "faces");
+        expectSameBoxes(*result, *expected);
     }
 }
 

@@ -51,9 +51,10 @@ int main(int argc, char** argv) {
     }
 
     if (!displayAvailable()) {
-        std::fputs("lumivex: no display found. The Lumivex window needs a graphical display (X11 or Wayland).\n"
-                   "Set DISPLAY, run it under xvfb-run, or use QT_QPA_PLATFORM=offscreen.\n",
-                   stderr);
+        std::fputs(
+            "lumivex: no display found. The Lumivex window needs a graphical display (X11 or Wayland).\n"
+            "Set DISPLAY, run it under xvfb-run, or use QT_QPA_PLATFORM=offscreen.\n",
+            stderr);
         return 2;
     }
 
@@ -68,24 +69,27 @@ int main(int argc, char** argv) {
     }
 
     AppDelegate delegate(UserDefaults::standard(), Notifications::current());
-    QObject::connect(&app, &QGuiApplication::applicationStateChanged, &delegate, [&delegate](Qt::ApplicationState s) {
-        switch (s) {
-        case Qt::ApplicationActive:
-            delegate.applicationDidBecomeActive();
-            break;
-        case Qt::ApplicationInactive:
-            delegate.applicationWillResignActive();
-            break;
-        case Qt::ApplicationHidden:
-        case Qt::ApplicationSuspended:
-            delegate.applicationDidEnterBackground();
-            break;
-        }
-    });
-    QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate, [&delegate]() { delegate.applicationWillTerminate(); });
+    QObject::connect(&app, &QGuiApplication::applicationStateChanged, &delegate,
+                     [&delegate](Qt::ApplicationState s) {
+                         switch (s) {
+                         case Qt::ApplicationActive:
+                             delegate.applicationDidBecomeActive();
+                             break;
+                         case Qt::ApplicationInactive:
+                             delegate.applicationWillResignActive();
+                             break;
+                         case Qt::ApplicationHidden:
+                         case Qt::ApplicationSuspended:
+                             delegate.applicationDidEnterBackground();
+                             break;
+                         }
+                     });
+    QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate,
+                     [&delegate]() { delegate.applicationWillTerminate(); });
     delegate.didFinishLaunchingWithOptions();
     // Platforms without window activation (offscreen) never report the active state on their own.
-    if (QGuiApplication::applicationState() == Qt::ApplicationActive || QGuiApplication::platformName() == QLatin1String("offscreen"))
+    if (QGuiApplication::applicationState() == Qt::ApplicationActive ||
+        QGuiApplication::platformName() == QLatin1String("offscreen"))
         Dispatch::main().async([&delegate]() { delegate.applicationDidBecomeActive(); });
 
     if (!command.screenshotPath.isEmpty()) {
@@ -93,7 +97,8 @@ int main(int argc, char** argv) {
             AppWindow* window = delegate.window();
             const bool saved = window && window->grab().save(command.screenshotPath, "PNG");
             std::printf("lumivex: %s %s showing %s\n", saved ? "saved" : "could not save",
-                        qPrintable(command.screenshotPath), window ? qPrintable(visibleScreenName(window)) : "nothing");
+                        qPrintable(command.screenshotPath),
+                        window ? qPrintable(visibleScreenName(window)) : "nothing");
             std::fflush(stdout);
             QCoreApplication::exit(saved ? 0 : 1);
         });

@@ -1,9 +1,9 @@
 #include "platform/Animations.h"
 
 #include <QEasingCurve>
-#include <algorithm>
 #include <QTimer>
 #include <QVariantAnimation>
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 
@@ -44,9 +44,13 @@ QVariantAnimation* run(QObject* owner, double duration, double delay, std::funct
 
 } // namespace
 
-void Animations::setInstant(bool instant) { instantAnimations = instant; }
+void Animations::setInstant(bool instant) {
+    instantAnimations = instant;
+}
 
-bool Animations::isInstant() { return instantAnimations; }
+bool Animations::isInstant() {
+    return instantAnimations;
+}
 
 double Animations::curveValue(AnimationCurve curve, double t) {
     t = std::clamp(t, 0.0, 1.0);
@@ -84,14 +88,15 @@ double Animations::springValue(double t, double duration, double damping, double
 
 QVariantAnimation* Animations::animate(QObject* owner, double duration, Step step, Completion completion,
                                        AnimationCurve curve, double delay) {
-    return run(owner, duration, delay, [curve](double t) { return curveValue(curve, t); }, std::move(step),
-               std::move(completion));
+    return run(
+        owner, duration, delay, [curve](double t) { return curveValue(curve, t); }, std::move(step),
+        std::move(completion));
 }
 
 QVariantAnimation* Animations::spring(QObject* owner, double duration, double damping, double initialVelocity,
                                       Step step, Completion completion, double delay) {
     return run(
         owner, duration, delay,
-        [=](double t) { return springValue(t * duration, duration, damping, initialVelocity); }, std::move(step),
-        std::move(completion));
+        [=](double t) { return springValue(t * duration, duration, damping, initialVelocity); },
+        std::move(step), std::move(completion));
 }

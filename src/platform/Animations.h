@@ -32,5 +32,7 @@ public:
     static double curveValue(AnimationCurve curve, double t);
     static double springValue(double t, double duration, double damping, double initialVelocity);
 
-    static double interpolate(double from, double to, double progress) { return from + (to - from) * progress; }
+    static double interpolate(double from, double to, double progress) {
+        return from + (to - from) * progress;
+    }
 };

@@ -24,7 +24,9 @@ AppWindow::AppWindow(QWidget* parent) : QWidget(parent) {
 
 AppWindow::~AppWindow() = default;
 
-ViewController* AppWindow::rootViewController() const { return root_.data(); }
+ViewController* AppWindow::rootViewController() const {
+    return root_.data();
+}
 
 void AppWindow::setRootViewController(ViewController* controller) {
     if (controller == root_)
@@ -61,7 +63,9 @@ void AppWindow::makeKeyAndVisible() {
     }
 }
 
-AppWindow* AppWindow::keyWindow() { return currentKeyWindow; }
+AppWindow* AppWindow::keyWindow() {
+    return currentKeyWindow;
+}
 
 void AppWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);

@@ -117,11 +117,12 @@ struct DispatchRuntime {
         pool.waitForDone();
     }
 
-    void postToMain(std::function<void()> block) {
-        std::lock_guard lock(mainMutex);
+    // Notices a new application object, so that its end drains the pool and stops blocks to main.
+    // Answers the application, or null when there is none. Called with mainMutex held.
+    QCoreApplication* watchApplication() {
         QCoreApplication* app = QCoreApplication::instance();
         if (!app)
-            return;
+            return nullptr;
         if (app != application) {
             application = app;
             applicationClosing = false;
@@ -133,9 +134,23 @@ struct DispatchRuntime {
                 application = nullptr;
             });
         }
-        if (applicationClosing)
+        return app;
+    }
+
+    void postToMain(std::function<void()> block) {
+        std::lock_guard lock(mainMutex);
+        QCoreApplication* app = watchApplication();
+        if (!app || applicationClosing)
             return;
         QMetaObject::invokeMethod(app, std::move(block), Qt::QueuedConnection);
+    }
+
+    void startOnPool(std::function<void()> block, int priority) {
+        {
+            std::lock_guard lock(mainMutex);
+            watchApplication();
+        }
+        pool.start(std::move(block), priority);
     }
 
     void schedule(double seconds, DispatchQueue* queue, std::function<void()> block) {
@@ -188,8 +203,15 @@ DispatchRuntime& runtime() {
 
 void markApplicationClosing() {
     DispatchRuntime& r = runtime();
-    std::lock_guard lock(r.mainMutex);
-    r.applicationClosing = true;
+    {
+        std::lock_guard lock(r.mainMutex);
+        r.applicationClosing = true;
+    }
+    // Jobs still queued will never be able to report back; running ones finish now, while the
+    // libraries they use (OpenCV's own thread pool among them) still exist. Waiting until static
+    // destruction would be too late.
+    r.pool.clear();
+    r.pool.waitForDone();
 }
 
 } // namespace
@@ -201,7 +223,7 @@ void DispatchQueue::async(std::function<void()> block) {
     if (isMain_)
         r.postToMain(std::move(block));
     else
-        r.pool.start(std::move(block), poolPriority(qos_));
+        r.startOnPool(std::move(block), poolPriority(qos_));
 }
 
 void DispatchQueue::async(WorkItem item) {

@@ -3,7 +3,9 @@
 #include <QPainter>
 #include <QPainterPath>
 
-ImageView::ImageView(QWidget* parent) : QWidget(parent) { setAttribute(Qt::WA_TranslucentBackground); }
+ImageView::ImageView(QWidget* parent) : QWidget(parent) {
+    setAttribute(Qt::WA_TranslucentBackground);
+}
 
 void ImageView::setImage(ImagePtr image) {
     if (image == image_)

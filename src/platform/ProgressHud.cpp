@@ -141,8 +141,14 @@ void ProgressHud::dismiss() {
     }
 }
 
-bool ProgressHud::isVisible() { return hud && hud->isVisible(); }
+bool ProgressHud::isVisible() {
+    return hud && hud->isVisible();
+}
 
-QString ProgressHud::status() { return currentStatus; }
+QString ProgressHud::status() {
+    return currentStatus;
+}
 
-void ProgressHud::setHost(QWidget* host) { explicitHost = host; }
+void ProgressHud::setHost(QWidget* host) {
+    explicitHost = host;
+}

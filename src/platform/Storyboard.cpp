@@ -16,7 +16,9 @@ Registry& registry() {
     return r;
 }
 
-QString keyFor(const QString& board, const QString& identifier) { return board + QLatin1Char('/') + identifier; }
+QString keyFor(const QString& board, const QString& identifier) {
+    return board + QLatin1Char('/') + identifier;
+}
 } // namespace
 
 void Storyboard::registerController(const QString& board, const QString& identifier, Factory factory) {

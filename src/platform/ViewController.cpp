@@ -11,7 +11,9 @@ constexpr double kPresentDuration = 0.3;
 constexpr int kSheetTopInset = 48;
 } // namespace
 
-ViewController::ViewController(QWidget* parent) : QWidget(parent) { setAutoFillBackground(false); }
+ViewController::ViewController(QWidget* parent) : QWidget(parent) {
+    setAutoFillBackground(false);
+}
 
 ViewController::~ViewController() {
     if (presentationHost_)
@@ -78,8 +80,8 @@ void ViewController::present(ViewController* controller, bool animated, std::fun
     controller->presentationHost_ = host;
     controller->setParent(host);
     controller->setAttribute(Qt::WA_StyledBackground, true);
-    if (controller->presentationStyle_ == ModalPresentationStyle::fullScreen && !controller->autoFillBackground() &&
-        controller->styleSheet().isEmpty()) {
+    if (controller->presentationStyle_ == ModalPresentationStyle::fullScreen &&
+        !controller->autoFillBackground() && controller->styleSheet().isEmpty()) {
         controller->setAutoFillBackground(true);
     }
     host->installEventFilter(controller);

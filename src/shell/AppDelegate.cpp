@@ -26,13 +26,27 @@ constexpr int kBadgeSoundAlert = Notifications::badge | Notifications::sound | N
 TutorialPageContent pageContent(int index) {
     switch (index) {
     case 0:
-        return {QStringLiteral("slider1"), QStringLiteral("Turn photos"), QStringLiteral("into one story."),
-                QStringLiteral("Make every moment worth remembering."), QStringLiteral("Continue"), 0,
-                kOnboardingPageCount, true, {}, 0};
+        return {QStringLiteral("slider1"),
+                QStringLiteral("Turn photos"),
+                QStringLiteral("into one story."),
+                QStringLiteral("Make every moment worth remembering."),
+                QStringLiteral("Continue"),
+                0,
+                kOnboardingPageCount,
+                true,
+                {},
+                0};
     case 1:
-        return {QStringLiteral("slider2"), QStringLiteral("Start with"), QStringLiteral("a story."),
-                QStringLiteral("Photos, type and layout in one design."), QStringLiteral("Continue"), 1,
-                kOnboardingPageCount, false, {}, 0};
+        return {QStringLiteral("slider2"),
+                QStringLiteral("Start with"),
+                QStringLiteral("a story."),
+                QStringLiteral("Photos, type and layout in one design."),
+                QStringLiteral("Continue"),
+                1,
+                kOnboardingPageCount,
+                false,
+                {},
+                0};
     default:
         return {QStringLiteral("slider3"),
                 QStringLiteral("Choose your"),
@@ -51,13 +65,18 @@ TutorialPageContent pageContent(int index) {
 
 AppDelegate::AppDelegate(UserDefaults& defaults, Notifications& notifications, Reachability reachability,
                          QObject* parent)
-    : QObject(parent), defaults_(defaults), notifications_(notifications), reachability_(std::move(reachability)) {}
+    : QObject(parent), defaults_(defaults), notifications_(notifications),
+      reachability_(std::move(reachability)) {}
 
 AppDelegate::~AppDelegate() = default;
 
-bool AppDelegate::isNetworkReachable() { return networkReachable; }
+bool AppDelegate::isNetworkReachable() {
+    return networkReachable;
+}
 
-void AppDelegate::refreshReachability() { networkReachable = reachability_.isReachable(); }
+void AppDelegate::refreshReachability() {
+    networkReachable = reachability_.isReachable();
+}
 
 bool AppDelegate::didFinishLaunchingWithOptions() {
     refreshReachability();

@@ -18,8 +18,8 @@ class ViewController;
 class AppDelegate : public QObject {
     Q_OBJECT
 public:
-    AppDelegate(UserDefaults& defaults, Notifications& notifications, Reachability reachability = Reachability(),
-                QObject* parent = nullptr);
+    AppDelegate(UserDefaults& defaults, Notifications& notifications,
+                Reachability reachability = Reachability(), QObject* parent = nullptr);
     ~AppDelegate() override;
 
     AppWindow* window() const { return window_.get(); }
@@ -40,7 +40,8 @@ public:
 
     void didReceiveRemoteNotification(const QVariantMap& userInfo,
                                       std::function<void(BackgroundFetchResult)> completionHandler);
-    void willPresentNotification(const QVariantMap& userInfo, std::function<void(int options)> completionHandler);
+    void willPresentNotification(const QVariantMap& userInfo,
+                                 std::function<void(int options)> completionHandler);
     void didReceiveNotificationResponse(const QVariantMap& userInfo, std::function<void()> completionHandler);
 
     // The last answer of the reachability test, kept for the whole process.

@@ -23,9 +23,10 @@ QColor blend(const QColor& a, const QColor& b, double t) {
 }
 } // namespace
 
-OptionCardView::OptionCardView(int index, const QString& imageName, const QString& title, const QString& subtitle,
-                               QWidget* parent)
-    : QWidget(parent), index_(index), title_(title), subtitle_(subtitle), background_(Assets::image(imageName)) {
+OptionCardView::OptionCardView(int index, const QString& imageName, const QString& title,
+                               const QString& subtitle, QWidget* parent)
+    : QWidget(parent), index_(index), title_(title), subtitle_(subtitle),
+      background_(Assets::image(imageName)) {
     setObjectName(QStringLiteral("optionCard%1").arg(index));
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::StrongFocus);
@@ -122,8 +123,8 @@ void OptionCardView::paintEvent(QPaintEvent*) {
     const QRectF textArea = bounds.adjusted(12, 0, -12, -12);
     const QFontMetricsF subtitleMetrics(subtitleFont);
     const QFontMetricsF titleMetrics(titleFont);
-    const QRectF subtitleRect(textArea.left(), textArea.bottom() - 2 * subtitleMetrics.height(), textArea.width(),
-                              2 * subtitleMetrics.height());
+    const QRectF subtitleRect(textArea.left(), textArea.bottom() - 2 * subtitleMetrics.height(),
+                              textArea.width(), 2 * subtitleMetrics.height());
     const QRectF titleRect(textArea.left(), subtitleRect.top() - titleMetrics.height() - 2, textArea.width(),
                            titleMetrics.height());
     painter.setPen(Qt::white);

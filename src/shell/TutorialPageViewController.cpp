@@ -15,8 +15,8 @@ using namespace TutorialStyle;
 
 TutorialPageViewController::TutorialPageViewController(TutorialPageContent content,
                                                        std::function<void()> onContinue,
-                                                       std::function<void()> onBack, std::function<void()> onSkip,
-                                                       QWidget* parent)
+                                                       std::function<void()> onBack,
+                                                       std::function<void()> onSkip, QWidget* parent)
     : ViewController(parent), content_(std::move(content)), onContinue(std::move(onContinue)),
       onBack(std::move(onBack)), onSkip(std::move(onSkip)) {
     setObjectName(QStringLiteral("tutorialPage%1").arg(content_.pageIndex));
@@ -33,8 +33,10 @@ void TutorialPageViewController::viewDidLoad() {
     heroImageView_->setImage(Assets::image(content_.imageName));
     heroImageView_->setMinimumHeight(200);
 
-    titleFirstLineLabel_ = makeTitleLabel(content_.titleFirstLine, QStringLiteral("titleFirstLineLabel"), this);
-    titleSecondLineLabel_ = makeTitleLabel(content_.titleSecondLine, QStringLiteral("titleSecondLineLabel"), this);
+    titleFirstLineLabel_ =
+        makeTitleLabel(content_.titleFirstLine, QStringLiteral("titleFirstLineLabel"), this);
+    titleSecondLineLabel_ =
+        makeTitleLabel(content_.titleSecondLine, QStringLiteral("titleSecondLineLabel"), this);
     subtitleLabel_ = makeSubtitleLabel(content_.subtitle, this);
 
     filterOptionsStack_ = new QWidget(this);

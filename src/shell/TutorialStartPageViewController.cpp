@@ -13,22 +13,27 @@
 using namespace TutorialStyle;
 
 TutorialStartPageViewController::TutorialStartPageViewController(
-    QString titleFirstLine, QString titleSecondLine, QString subtitle, QList<Option> options, QString buttonTitle,
-    int pageIndex, int pageCount, std::function<void()> onContinue, std::function<void()> onBack, QWidget* parent)
-    : ViewController(parent), titleFirstLine_(std::move(titleFirstLine)), titleSecondLine_(std::move(titleSecondLine)),
-      subtitle_(std::move(subtitle)), options_(std::move(options)), buttonTitle_(std::move(buttonTitle)),
-      pageIndex_(pageIndex), pageCount_(pageCount), onContinue(std::move(onContinue)), onBack(std::move(onBack)) {
+    QString titleFirstLine, QString titleSecondLine, QString subtitle, QList<Option> options,
+    QString buttonTitle, int pageIndex, int pageCount, std::function<void()> onContinue,
+    std::function<void()> onBack, QWidget* parent)
+    : ViewController(parent), titleFirstLine_(std::move(titleFirstLine)),
+      titleSecondLine_(std::move(titleSecondLine)), subtitle_(std::move(subtitle)),
+      options_(std::move(options)), buttonTitle_(std::move(buttonTitle)), pageIndex_(pageIndex),
+      pageCount_(pageCount), onContinue(std::move(onContinue)), onBack(std::move(onBack)) {
     setObjectName(QStringLiteral("tutorialStartPage"));
     setFocusPolicy(Qt::StrongFocus);
 }
 
 QList<TutorialStartPageViewController::Option> TutorialStartPageViewController::startOptions() {
     return {
-        {QStringLiteral("aiblending"), QStringLiteral("Frame a photo"), QStringLiteral("One photo, one frame.")},
-        {QStringLiteral("lumivex"), QStringLiteral("Start a New"), QStringLiteral("Begin with a finished design.")},
+        {QStringLiteral("aiblending"), QStringLiteral("Frame a photo"),
+         QStringLiteral("One photo, one frame.")},
+        {QStringLiteral("lumivex"), QStringLiteral("Start a New"),
+         QStringLiteral("Begin with a finished design.")},
         {QStringLiteral("collagestory"), QStringLiteral("Build a layout"),
          QStringLiteral("Place your photos your way.")},
-        {QStringLiteral("mirroreffect"), QStringLiteral("Start blank"), QStringLiteral("An empty canvas to fill.")},
+        {QStringLiteral("mirroreffect"), QStringLiteral("Start blank"),
+         QStringLiteral("An empty canvas to fill.")},
     };
 }
 

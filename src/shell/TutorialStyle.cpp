@@ -53,6 +53,8 @@ QLabel* makeSubtitleLabel(const QString& text, QWidget* parent) {
     return label;
 }
 
-QString pageStyleSheet() { return QStringLiteral("background: #0b0b10;"); }
+QString pageStyleSheet() {
+    return QStringLiteral("background: #0b0b10;");
+}
 
 } // namespace TutorialStyle

@@ -62,7 +62,8 @@ TEST(ProgramStart, WithoutDisplaySaysItNeedsOne) {
 }
 
 // A clean profile opens on the first tutorial page; a finished tutorial is remembered.
-void expectTutorialOnCleanProfile(const QString& program, QStringList prefix, const QProcessEnvironment& env) {
+void expectTutorialOnCleanProfile(const QString& program, QStringList prefix,
+                                  const QProcessEnvironment& env) {
     QTemporaryDir profile;
     const QString shot = profile.filePath(QStringLiteral("first.png"));
     QStringList arguments = prefix;
@@ -89,9 +90,8 @@ TEST(ProgramStart, XvfbShowsTutorialOnCleanProfile) {
     if (xvfbRun.isEmpty())
         GTEST_SKIP() << "xvfb-run is not installed";
     QProcessEnvironment env = withoutDisplay();
-    expectTutorialOnCleanProfile(xvfbRun, {QStringLiteral("-a"), QStringLiteral("-s"),
-                                           QStringLiteral("-screen 0 1280x1024x24")},
-                                 env);
+    expectTutorialOnCleanProfile(
+        xvfbRun, {QStringLiteral("-a"), QStringLiteral("-s"), QStringLiteral("-screen 0 1280x1024x24")}, env);
 }
 
 } // namespace

@@ -7,7 +7,9 @@
 
 namespace {
 
-ImagePtr picture() { return Image::make(QImage(2, 2, QImage::Format_RGB32)); }
+ImagePtr picture() {
+    return Image::make(QImage(2, 2, QImage::Format_RGB32));
+}
 
 TEST(BoundedImageCache, SameKeyTwiceKeepsOneEntryAndTheSecondCost) {
     BoundedImageCache cache(100);

@@ -18,8 +18,12 @@
 
 namespace {
 
-std::optional<uint32_t> reachableFlags() { return Reachability::kReachable; }
-std::optional<uint32_t> unreadableFlags() { return std::nullopt; }
+std::optional<uint32_t> reachableFlags() {
+    return Reachability::kReachable;
+}
+std::optional<uint32_t> unreadableFlags() {
+    return std::nullopt;
+}
 
 class LaunchTest : public ::testing::Test {
 protected:
@@ -75,13 +79,14 @@ TEST_F(LaunchTest, FirstRunShowsTutorialUntilFinishedThenHomeAsBareRoot) {
     ASSERT_NE(home, nullptr);
     EXPECT_EQ(home->parentWidget(), run->delegate.window());
     EXPECT_EQ(home->navigationController(), nullptr);
-    EXPECT_TRUE(testsupport::waitUntil([&] { return home->headerLabel() && home->headerLabel()->isVisible(); }));
+    EXPECT_TRUE(
+        testsupport::waitUntil([&] { return home->headerLabel() && home->headerLabel()->isVisible(); }));
 }
 
 TEST_F(LaunchTest, StartUpAsksForNotificationsBeforeRegistering) {
     auto run = launch();
-    EXPECT_EQ(run->notifications.callLog(),
-              QStringList({QStringLiteral("requestAuthorization:7"), QStringLiteral("registerForRemoteNotifications")}));
+    EXPECT_EQ(run->notifications.callLog(), QStringList({QStringLiteral("requestAuthorization:7"),
+                                                         QStringLiteral("registerForRemoteNotifications")}));
 }
 
 TEST_F(LaunchTest, WalkingTheWholeTutorialWithButtonsEndsOnHome) {
@@ -147,7 +152,8 @@ TEST_F(LaunchTest, NotificationBadgeTakesOnlyIntegers) {
     n.setApplicationIconBadgeNumber(4);
 
     int presentOptions = -1;
-    d.willPresentNotification({{QStringLiteral("badge"), QStringLiteral("9")}}, [&](int o) { presentOptions = o; });
+    d.willPresentNotification({{QStringLiteral("badge"), QStringLiteral("9")}},
+                              [&](int o) { presentOptions = o; });
     EXPECT_EQ(n.applicationIconBadgeNumber(), 4);
     EXPECT_EQ(presentOptions, 7);
 
@@ -157,7 +163,8 @@ TEST_F(LaunchTest, NotificationBadgeTakesOnlyIntegers) {
     EXPECT_EQ(n.applicationIconBadgeNumber(), 4);
 
     std::optional<BackgroundFetchResult> fetch;
-    d.didReceiveRemoteNotification({{QStringLiteral("other"), 3}}, [&](BackgroundFetchResult r) { fetch = r; });
+    d.didReceiveRemoteNotification({{QStringLiteral("other"), 3}},
+                                   [&](BackgroundFetchResult r) { fetch = r; });
     EXPECT_EQ(fetch, BackgroundFetchResult::newData);
     EXPECT_EQ(n.applicationIconBadgeNumber(), 4);
 

@@ -16,7 +16,12 @@ std::unique_ptr<TutorialStartPageViewController> makeStartPage(int* continued = 
     auto page = std::make_unique<TutorialStartPageViewController>(
         QStringLiteral("Make every moment"), QStringLiteral("more meaningful."),
         QStringLiteral("Where would you like to begin?"), TutorialStartPageViewController::startOptions(),
-        QStringLiteral("Start Creating"), 3, 4, [continued] { if (continued) ++*continued; }, [] {});
+        QStringLiteral("Start Creating"), 3, 4,
+        [continued] {
+            if (continued)
+                ++*continued;
+        },
+        [] {});
     page->resize(390, 844);
     page->show();
     QCoreApplication::processEvents();
@@ -69,17 +74,19 @@ TEST(StartPage, CardsCarryTheirTextsInTwoRows) {
 }
 
 TEST(PicturePage, FilterRowShowsSelectionAndCollapsesWhenEmpty) {
-    TutorialPageContent content{QStringLiteral("slider3"),
-                                QStringLiteral("Choose your"),
-                                QStringLiteral("Reflection."),
-                                QStringLiteral("One photo, Multiple style."),
-                                QStringLiteral("Continue"),
-                                2,
-                                4,
-                                false,
-                                {QStringLiteral("Original"), QStringLiteral("Mirror"), QStringLiteral("Reflection")},
-                                0};
-    TutorialPageViewController page(content, [] {}, [] {}, [] {});
+    TutorialPageContent content{
+        QStringLiteral("slider3"),
+        QStringLiteral("Choose your"),
+        QStringLiteral("Reflection."),
+        QStringLiteral("One photo, Multiple style."),
+        QStringLiteral("Continue"),
+        2,
+        4,
+        false,
+        {QStringLiteral("Original"), QStringLiteral("Mirror"), QStringLiteral("Reflection")},
+        0};
+    TutorialPageViewController page(
+        content, [] {}, [] {}, [] {});
     page.resize(390, 844);
     page.show();
     QCoreApplication::processEvents();
@@ -93,7 +100,8 @@ TEST(PicturePage, FilterRowShowsSelectionAndCollapsesWhenEmpty) {
 
     content.filterOptions.clear();
     content.imageFirst = true;
-    TutorialPageViewController plain(content, [] {}, [] {}, [] {});
+    TutorialPageViewController plain(
+        content, [] {}, [] {}, [] {});
     plain.resize(390, 844);
     plain.show();
     QCoreApplication::processEvents();

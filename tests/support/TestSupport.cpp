@@ -26,6 +26,8 @@ void spin(int ms) {
     }
 }
 
-QString dataPath(const QString& name) { return QDir(QStringLiteral(LUMIVEX_TEST_DATA_DIR)).filePath(name); }
+QString dataPath(const QString& name) {
+    return QDir(QStringLiteral(LUMIVEX_TEST_DATA_DIR)).filePath(name);
+}
 
 } // namespace testsupport

@@ -7,7 +7,7 @@ bench=${1:-build/bin/lumivex_bench}
 reps=${2:-5}
 out=$(mktemp)
 trap 'rm -f "$out"' EXIT
-"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV)$' \
+"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV|FeatherDragMainThread)(/|$)' \
     --benchmark_repetitions="$reps" --benchmark_report_aggregates_only=true \
     --benchmark_format=json >"$out"
 python3 - "$out" <<'PY'
@@ -15,7 +15,8 @@ import json, sys
 runs = json.load(open(sys.argv[1]))["benchmarks"]
 def stat(name, agg):
     for r in runs:
-        if r.get("run_name") == name and r.get("aggregate_name") == agg:
+        run = r.get("run_name", "")
+        if (run == name or run.startswith(name + "/")) and r.get("aggregate_name") == agg:
             return r["real_time"], r["time_unit"]
     raise SystemExit("missing " + name)
 for num, den, target in (("BM_FeatherMask", "BM_WriteFloor", 2.0),
@@ -25,4 +26,8 @@ for num, den, target in (("BM_FeatherMask", "BM_WriteFloor", 2.0),
     assert ua == ub, "time units differ"
     print(f"{num} / {den}: mean {a:.3f} / {b:.3f} {ua} = {a / b:.2f}  "
           f"(median ratio {ma / mb:.2f}, target <= {target})")
+drag, unit = stat("BM_FeatherDragMainThread", "mean")
+scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0}[unit]
+print(f"BM_FeatherDragMainThread: {drag * scale:.3f} ms of main-thread work per slider event "
+      f"= {drag * scale:.2f} of the 1 ms budget")
 PY

@@ -3,8 +3,11 @@
 #include "platform/Screen.h"
 #include "support/TestSupport.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 namespace {
@@ -187,6 +190,42 @@ TEST(CollageCanvas, FlattenedThreePhotosHaveScreenResolutionAndSoftSeams) {
     EXPECT_GT(underMark.red(), 180);
     EXPECT_LT(underMark.green(), 100);
     EXPECT_TRUE(canvas.view.paneViews()[0]->isCheckmarkVisible());
+}
+
+} // namespace
+
+namespace {
+
+TEST(CollageCanvas, MouseDragAnywhereMovesTheSelectedPaneAndClickSelectsTheTopPane) {
+    Canvas canvas(QSize(400, 400));
+    canvas.view.configure(photos(2), CollageLayoutOption::twoColumnsEqual);
+    QWidget* surface = canvas.view.viewport();
+    CollagePaneView* left = canvas.view.paneViews()[0];
+    CollagePaneView* right = canvas.view.paneViews()[1];
+    // A click near the seam lands where the right pane overlaps the left one; the right pane is on top.
+    QTest::mouseClick(surface, Qt::LeftButton, {}, QPoint(210, 200));
+    EXPECT_EQ(canvas.view.selectedIndex(), 1);
+    QTest::mouseClick(surface, Qt::LeftButton, {}, QPoint(100, 200));
+    EXPECT_EQ(canvas.view.selectedIndex(), 0);
+
+    // Dragging over the right half still moves the selected left pane.
+    QTest::mousePress(surface, Qt::LeftButton, {}, QPoint(300, 300));
+    QTest::mouseMove(surface, QPoint(310, 300));
+    QTest::mouseMove(surface, QPoint(330, 320));
+    QTest::mouseRelease(surface, Qt::LeftButton, {}, QPoint(330, 320));
+    EXPECT_EQ(left->translation(), QPointF(30, 20));
+    EXPECT_EQ(right->translation(), QPointF());
+    EXPECT_EQ(canvas.view.selectedIndex(), 0);
+
+    QWheelEvent zoomIn(QPointF(200, 200), surface->mapToGlobal(QPointF(200, 200)), QPoint(), QPoint(0, 120),
+                       Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(surface, &zoomIn);
+    EXPECT_GT(left->scale(), 1.1);
+    const double zoomed = left->scale();
+    QWheelEvent plainScroll(QPointF(200, 200), surface->mapToGlobal(QPointF(200, 200)), QPoint(),
+                            QPoint(0, 120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(surface, &plainScroll);
+    EXPECT_DOUBLE_EQ(left->scale(), zoomed);
 }
 
 } // namespace

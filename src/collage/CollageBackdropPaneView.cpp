@@ -96,35 +96,23 @@ void CollageBackdropPaneView::setFeathers(double horizontal, double vertical) {
     updateFeatherMask();
 }
 
+FeatherMaskLoader::Request CollageBackdropPaneView::maskRequest() const {
+    return FeatherMaskLoader::Request{frame_.size(), horizontalFeather_, verticalFeather_};
+}
+
 void CollageBackdropPaneView::updateFeatherMask() {
-    const FeatherMaskLoader::Request request{frame_.size(), horizontalFeather_, verticalFeather_};
     QPointer<CollageBackdropPaneView> self(this);
     maskLoader_.update(
-        this, request,
+        this, maskRequest(), [self]() { return self ? self->maskRequest() : FeatherMaskLoader::Request{}; },
         [self]() {
-            return self ? FeatherMaskLoader::Request{self->frame_.size(), self->horizontalFeather_,
-                                                     self->verticalFeather_}
-                        : FeatherMaskLoader::Request{};
-        },
-        [self, request](ImagePtr mask) {
-            if (!self)
-                return;
-            self->featherMask_ = std::move(mask);
-            self->installedMaskRequest_ = request;
-            self->update();
+            if (self)
+                self->update();
         });
 }
 
 void CollageBackdropPaneView::ensureFeatherMask() {
-    const FeatherMaskLoader::Request request{frame_.size(), horizontalFeather_, verticalFeather_};
-    if (featherMask_ && installedMaskRequest_ == request)
-        return;
-    maskLoader_.cancel();
-    if (ImagePtr mask = FeatherMaskLoader::maskNow(request)) {
-        featherMask_ = mask;
-        installedMaskRequest_ = request;
+    if (maskLoader_.ensure(maskRequest()))
         update();
-    }
 }
 
 bool CollageBackdropPaneView::hasPendingWork() const {
@@ -136,13 +124,13 @@ void CollageBackdropPaneView::paint(QPainter* painter, const QStyleOptionGraphic
         return;
     const double pixelScale =
         MaskedLayer::pixelScaleFor(*painter, MaskedLayer::isRenderingSnapshot(), Screen::main().scale());
-    const LayerKey key{blurred_.constBits(), featherMask_.get(), frame_.size(), pixelScale};
+    const LayerKey key{blurred_.constBits(), maskLoader_.mask().get(), frame_.size(), pixelScale};
     if (layer_.isNull() || !(key == layerKey_)) {
         const QRectF bounds = boundingRect();
         const QImage& blurred = blurred_;
         layer_ = MaskedLayer::compose(
             frame_.size(), pixelScale, [&](QPainter& p) { p.drawImage(bounds, blurred); },
-            featherMask_ ? featherMask_->bitmap() : QImage());
+            maskLoader_.mask() ? maskLoader_.mask()->bitmap() : QImage());
         layerKey_ = key;
     }
     painter->setRenderHint(QPainter::SmoothPixmapTransform);

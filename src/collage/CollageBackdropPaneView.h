@@ -31,7 +31,8 @@ public:
     double verticalFeather() const { return verticalFeather_; }
     void setFeathers(double horizontal, double vertical);
     void updateFeatherMask();
-    const ImagePtr& featherMask() const { return featherMask_; }
+    FeatherMaskLoader::Request maskRequest() const;
+    const ImagePtr& featherMask() const { return maskLoader_.mask(); }
     void ensureFeatherMask();
 
     // The blurred picture as drawn (null until it is ready), and whether work is still in flight.
@@ -63,8 +64,6 @@ private:
 
     double horizontalFeather_ = 25.0;
     double verticalFeather_ = 25.0;
-    ImagePtr featherMask_;
-    FeatherMaskLoader::Request installedMaskRequest_;
     FeatherMaskLoader maskLoader_;
 
     struct LayerKey {

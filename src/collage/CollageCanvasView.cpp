@@ -347,7 +347,8 @@ void CollageCanvasView::endGesture() {
         });
 }
 
-void CollageCanvasView::handleCanvasPan(GestureState state, const QPointF& translation) {
+void CollageCanvasView::handleGesture(GestureState state,
+                                      const std::function<void(CollagePaneView*)>& change) {
     CollagePaneView* pane = selectedPane();
     if (!pane)
         return;
@@ -356,7 +357,7 @@ void CollageCanvasView::handleCanvasPan(GestureState state, const QPointF& trans
         beginGesture();
         [[fallthrough]];
     case GestureState::changed:
-        pane->translate(translation.x(), translation.y());
+        change(pane);
         break;
     case GestureState::ended:
     case GestureState::cancelled:
@@ -366,23 +367,13 @@ void CollageCanvasView::handleCanvasPan(GestureState state, const QPointF& trans
     }
 }
 
+void CollageCanvasView::handleCanvasPan(GestureState state, const QPointF& translation) {
+    handleGesture(
+        state, [translation](CollagePaneView* pane) { pane->translate(translation.x(), translation.y()); });
+}
+
 void CollageCanvasView::handleCanvasPinch(GestureState state, double scale) {
-    CollagePaneView* pane = selectedPane();
-    if (!pane)
-        return;
-    switch (state) {
-    case GestureState::began:
-        beginGesture();
-        [[fallthrough]];
-    case GestureState::changed:
-        pane->zoom(scale);
-        break;
-    case GestureState::ended:
-    case GestureState::cancelled:
-    case GestureState::failed:
-        endGesture();
-        break;
-    }
+    handleGesture(state, [scale](CollagePaneView* pane) { pane->zoom(scale); });
 }
 
 void CollageCanvasView::mousePressEvent(QMouseEvent* event) {

@@ -87,6 +87,8 @@ private:
     void clearPanes();
     void layoutPanes();
     CollagePaneView* selectedPane() const;
+    // Both gestures act on the selected pane: `change` on began and changed, a spring back on the end.
+    void handleGesture(GestureState state, const std::function<void(CollagePaneView*)>& change);
     void beginGesture();
     void endGesture();
 

@@ -354,35 +354,23 @@ void CollagePaneView::setFeathers(double horizontal, double vertical) {
     updateFeatherMask();
 }
 
+FeatherMaskLoader::Request CollagePaneView::maskRequest() const {
+    return FeatherMaskLoader::Request{frame_.size(), horizontalFeather_, verticalFeather_};
+}
+
 void CollagePaneView::updateFeatherMask() {
-    const FeatherMaskLoader::Request request{frame_.size(), horizontalFeather_, verticalFeather_};
     QPointer<CollagePaneView> self(this);
     maskLoader_.update(
-        this, request,
+        this, maskRequest(), [self]() { return self ? self->maskRequest() : FeatherMaskLoader::Request{}; },
         [self]() {
-            return self ? FeatherMaskLoader::Request{self->frame_.size(), self->horizontalFeather_,
-                                                     self->verticalFeather_}
-                        : FeatherMaskLoader::Request{};
-        },
-        [self, request](ImagePtr mask) {
-            if (!self)
-                return;
-            self->featherMask_ = std::move(mask);
-            self->installedMaskRequest_ = request;
-            self->update();
+            if (self)
+                self->update();
         });
 }
 
 void CollagePaneView::ensureFeatherMask() {
-    const FeatherMaskLoader::Request request{frame_.size(), horizontalFeather_, verticalFeather_};
-    if (featherMask_ && installedMaskRequest_ == request)
-        return;
-    maskLoader_.cancel();
-    if (ImagePtr mask = FeatherMaskLoader::maskNow(request)) {
-        featherMask_ = mask;
-        installedMaskRequest_ = request;
+    if (maskLoader_.ensure(maskRequest()))
         update();
-    }
 }
 
 bool CollagePaneView::hasPendingWork() const {
@@ -482,8 +470,9 @@ void CollagePaneView::paint(QPainter* painter, const QStyleOptionGraphicsItem*, 
         return;
     const double pixelScale = MaskedLayer::pixelScaleFor(*painter, MaskedLayer::isRenderingSnapshot(),
                                                          Screen::main().scale() * maxScale);
-    const LayerKey key{currentImage_.get(), featherMask_.get(), contentsRect_, frame_.size(),
-                       drawnAngle_,         drawnFlip_,         pixelScale};
+    const LayerKey key{
+        currentImage_.get(), maskLoader_.mask().get(), contentsRect_, frame_.size(), drawnAngle_, drawnFlip_,
+        pixelScale};
     if (layer_.isNull() || !(key == layerKey_)) {
         const QImage& source = sourceFor(pixelScale);
         const QRectF sourceRect(contentsRect_.x() * source.width(), contentsRect_.y() * source.height(),
@@ -504,7 +493,7 @@ void CollagePaneView::paint(QPainter* painter, const QStyleOptionGraphicsItem*, 
                 p.drawImage(ImageView::targetRect(sourceRect.size(), bounds, ContentMode::scaleAspectFill),
                             source, sourceRect);
             },
-            featherMask_ ? featherMask_->bitmap() : QImage());
+            maskLoader_.mask() ? maskLoader_.mask()->bitmap() : QImage());
         layerKey_ = key;
     }
     painter->save();

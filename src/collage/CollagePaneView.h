@@ -62,7 +62,8 @@ public:
     double verticalFeather() const { return verticalFeather_; }
     void setFeathers(double horizontal, double vertical);
     void updateFeatherMask();
-    const ImagePtr& featherMask() const { return featherMask_; }
+    FeatherMaskLoader::Request maskRequest() const;
+    const ImagePtr& featherMask() const { return maskLoader_.mask(); }
 
     // The part of the upright photo shown, in fractions of the photo (the crop window).
     QRectF contentsRect() const { return contentsRect_; }
@@ -135,8 +136,6 @@ private:
 
     double horizontalFeather_ = 25.0;
     double verticalFeather_ = 25.0;
-    ImagePtr featherMask_;
-    FeatherMaskLoader::Request installedMaskRequest_;
     FeatherMaskLoader maskLoader_;
     int detectionGeneration_ = 0;
     bool detectionPending_ = false;

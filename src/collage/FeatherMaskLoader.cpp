@@ -33,22 +33,37 @@ ImagePtr FeatherMaskLoader::maskNow(const Request& request) {
     return mask;
 }
 
+bool FeatherMaskLoader::ensure(const Request& request) {
+    if (mask_ && installedRequest_ == request)
+        return false;
+    cancel();
+    ImagePtr mask = maskNow(request);
+    if (!mask)
+        return false;
+    mask_ = std::move(mask);
+    installedRequest_ = request;
+    return true;
+}
+
 void FeatherMaskLoader::update(QObject* owner, const Request& request, std::function<Request()> current,
-                               std::function<void(ImagePtr)> install) {
+                               std::function<void()> installed) {
     cancel();
     const double scale = Screen::main().scale();
     if (hasArea(request.size)) {
         const QString key = FeatherMask::key(request.size.width(), request.size.height(),
                                              request.horizontalFeather, request.verticalFeather, scale);
         if (ImagePtr cached = BoundedImageCache::shared().image(key)) {
-            install(cached);
+            mask_ = std::move(cached);
+            installedRequest_ = request;
+            if (installed)
+                installed();
             return;
         }
     }
     QPointer<QObject> guard(owner);
     const int generation = generation_;
-    WorkItem item([guard, request, scale, current = std::move(current), install = std::move(install), this,
-                   generation]() {
+    WorkItem item([guard, request, scale, current = std::move(current), installed = std::move(installed),
+                   this, generation]() {
         if (!hasArea(request.size))
             return;
         const double w = request.size.width();
@@ -59,13 +74,16 @@ void FeatherMaskLoader::update(QObject* owner, const Request& request, std::func
         BoundedImageCache::shared().setImage(
             mask, FeatherMask::key(w, h, request.horizontalFeather, request.verticalFeather, scale),
             FeatherMask::cost(w, h, scale));
-        Dispatch::main().async([guard, request, mask, current, install, this, generation]() {
+        Dispatch::main().async([guard, request, mask, current, installed, this, generation]() {
             // A view that is gone, resized or re-feathered since drops the mask; it stays cached.
             if (!guard || !(current() == request))
                 return;
             if (generation == generation_)
                 building_.reset();
-            install(mask);
+            mask_ = mask;
+            installedRequest_ = request;
+            if (installed)
+                installed();
         });
     });
     building_ = item;

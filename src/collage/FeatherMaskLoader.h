@@ -9,7 +9,7 @@
 #include <functional>
 #include <optional>
 
-// Finds or builds the feather mask of one view. A mask already in the shared cache is installed at
+// The feather mask of one view, found or built. A mask already in the shared cache is installed at
 // once; otherwise it is built on a worker and installed on the main thread only if the view still
 // exists and still has the size and feathers the mask was made for. Pane and backdrop share this.
 class FeatherMaskLoader {
@@ -21,16 +21,24 @@ public:
         bool operator==(const Request&) const = default;
     };
 
-    // `current` reads the view's state when a finished mask arrives; `install` takes the mask.
+    // `current` reads the view's state when a finished mask arrives; `installed` is told after a
+    // mask has been installed. Both are called only while `owner` exists.
     void update(QObject* owner, const Request& request, std::function<Request()> current,
-                std::function<void(ImagePtr)> install);
+                std::function<void()> installed);
+    // Installs the mask for `request` here and now unless it is installed already (flattening);
+    // answers whether the mask changed.
+    bool ensure(const Request& request);
     void cancel();
-    bool isBuilding() const { return building_.has_value(); }
 
-    // The mask for a request, built here and now if the cache lacks it (used when flattening).
+    bool isBuilding() const { return building_.has_value(); }
+    const ImagePtr& mask() const { return mask_; }
+
+    // The mask for a request from the shared cache, built and stored there if it is missing.
     static ImagePtr maskNow(const Request& request);
 
 private:
     std::optional<WorkItem> building_;
     int generation_ = 0;
+    ImagePtr mask_;
+    Request installedRequest_;
 };

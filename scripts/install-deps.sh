@@ -9,6 +9,8 @@ PACKAGES=(
   # Qt 6: widgets, network, svg, image format plugins (TIFF, WebP), multimedia
   qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-image-formats-plugins qt6-multimedia-dev
   qt6-qpa-plugins libgl-dev
+  # media playback back end for Qt Multimedia
+  gstreamer1.0-plugins-good gstreamer1.0-libav
   # vision and pixel work, with the Haar cascades and sample photographs
   libopencv-dev opencv-data opencv-doc
   # video

@@ -21,6 +21,13 @@ PACKAGES=(
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   # a display for the window on headless machines, fonts
   xvfb xauth fonts-dejavu-core fonts-noto-color-emoji
+  # artwork generator: icon font, and the free faces behind the caption font list
+  fonts-material-design-icons-iconfont fonts-liberation2 fonts-bebas-neue fonts-lobstertwo fonts-dancingscript
+  fonts-kaushanscript fonts-leckerli-one fonts-cherrybomb fonts-comfortaa fonts-cabin fonts-cabinsketch
+  fonts-league-spartan fonts-roboto-slab fonts-yanone-kaffeesatz fonts-jura fonts-blankenburg fonts-kristi
+  fonts-staypuft fonts-creep2 fonts-play fonts-quicksand fonts-oldstandard fonts-tomsontalks fonts-dosis
+  fonts-summersby fonts-radisnoir fonts-national-park fonts-isabella fonts-rufscript fonts-manrope
+  fonts-sixtyfour fonts-comic-neue
 )
 
 missing=()

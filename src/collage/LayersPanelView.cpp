@@ -52,7 +52,7 @@ protected:
     }
 };
 
-// The sheet: translucent, with a hairline border and rounded corners on the side that faces the
+// The sheet: near black, with a hairline border and rounded corners on the side that faces the
 // screen only.
 class CardView : public QWidget {
 public:
@@ -73,7 +73,7 @@ protected:
         path.lineTo(bounds.right(), bounds.bottom());
         path.closeSubpath();
         painter.setPen(QPen(white(0.08), 1.0));
-        painter.setBrush(white(0.07));
+        painter.setBrush(QColor::fromRgbF(0.07f, 0.07f, 0.07f));
         painter.drawPath(path);
     }
     // Clicks on the sheet must not fall through to the scrim behind it.

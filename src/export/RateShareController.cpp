@@ -83,7 +83,8 @@ void RateShareController::viewDidLoad() {
     page->addWidget(messageLabel_);
     page->addWidget(moreButton_, 0, Qt::AlignHCenter);
 
-    if (loadResult())
+    shareable_ = loadResult();
+    if (shareable_)
         shareCurrent();
 }
 
@@ -165,7 +166,9 @@ void RateShareController::shareCurrent() {
 }
 
 void RateShareController::shareClick() {
-    shareCurrent();
+    // After a failed load there is nothing that a share sheet could use.
+    if (shareable_)
+        shareCurrent();
 }
 
 void RateShareController::backClick() {

@@ -60,4 +60,5 @@ private:
     QPushButton* backButton_ = nullptr;
     QPushButton* moreButton_ = nullptr;
     std::optional<PhotoLibraryResult> albumResult_;
+    bool shareable_ = false;
 };

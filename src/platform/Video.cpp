@@ -55,13 +55,14 @@ std::optional<QImage> toImage(const AVFrame* frame, AVRational sampleAspect) {
         SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
     if (!scaler)
         return std::nullopt;
-    QImage image(width, height, QImage::Format_RGB32);
-    if (image.isNull())
+    // swscale's vector code may write past the end of a row, so it gets room to spare.
+    QImage padded(FFALIGN(width, 64), height + 1, QImage::Format_RGB32);
+    if (padded.isNull())
         return std::nullopt;
-    uint8_t* planes[4] = {image.bits(), nullptr, nullptr, nullptr};
-    int strides[4] = {static_cast<int>(image.bytesPerLine()), 0, 0, 0};
+    uint8_t* planes[4] = {padded.bits(), nullptr, nullptr, nullptr};
+    int strides[4] = {static_cast<int>(padded.bytesPerLine()), 0, 0, 0};
     sws_scale(scaler.get(), frame->data, frame->linesize, 0, height, planes, strides);
-    return image;
+    return padded.copy(0, 0, width, height);
 }
 
 } // namespace

@@ -154,11 +154,13 @@ inline QImage decodeFirstPicture(const QString& path) {
                 frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), frame->width,
                 frame->height, AV_PIX_FMT_RGB32, SWS_BICUBIC, nullptr, nullptr, nullptr);
             if (sws) {
-                result = QImage(frame->width, frame->height, QImage::Format_RGB32);
-                uint8_t* planes[4] = {result.bits(), nullptr, nullptr, nullptr};
-                int strides[4] = {static_cast<int>(result.bytesPerLine()), 0, 0, 0};
+                // swscale's vector code may write past the end of a row, so it gets room to spare.
+                QImage padded(FFALIGN(frame->width, 64), frame->height + 1, QImage::Format_RGB32);
+                uint8_t* planes[4] = {padded.bits(), nullptr, nullptr, nullptr};
+                int strides[4] = {static_cast<int>(padded.bytesPerLine()), 0, 0, 0};
                 sws_scale(sws, frame->data, frame->linesize, 0, frame->height, planes, strides);
                 sws_freeContext(sws);
+                result = padded.copy(0, 0, frame->width, frame->height);
             }
         }
     }

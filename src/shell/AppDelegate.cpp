@@ -91,7 +91,7 @@ bool AppDelegate::didFinishLaunchingWithOptions() {
 void AppDelegate::routeToFirstScreen() {
     window_ = std::make_unique<AppWindow>();
     if (defaults_.boolForKey(LaunchManager::shared().hasLaunchedBeforeKey)) {
-        window_->setRootViewController(new NewHomePageController);
+        window_->setRootViewController(new NewHomePageController(defaults_));
     } else {
         auto* navigation = new NavigationController(makeOnboardingPage(0));
         navigation->setNavigationBarHidden(true);
@@ -143,7 +143,7 @@ void AppDelegate::popOnboardingPage() {
 void AppDelegate::finishOnboarding() {
     defaults_.setBool(true, LaunchManager::shared().hasLaunchedBeforeKey);
     defaults_.synchronize();
-    auto* home = new NewHomePageController;
+    auto* home = new NewHomePageController(defaults_);
     if (!window_)
         window_ = std::make_unique<AppWindow>();
     // The swap is instant on purpose: no fade between the tutorial and the home screen.

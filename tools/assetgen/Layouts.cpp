@@ -139,15 +139,18 @@ QImage mirrorPattern(const QImage& square, int index) {
     const int side = square.width(), n = int(pattern.forms.size());
     const QImage h = square.mirrored(true, false), v = square.mirrored(false, true);
     QImage image(side, side, QImage::Format_RGB32);
+    image.fill(Qt::black);
     QPainter p(&image);
     for (int k = 0; k < n; ++k) {
         const QChar form = pattern.forms[k];
         const QImage& source = form == QLatin1Char('H') ? h : form == QLatin1Char('V') ? v : square;
-        const double size = double(side) / n, offset = pattern.offsets[k] * side;
+        // Whole pixels, so neighbouring panes meet without a seam of unpainted pixels.
+        const int start = k * side / n, size = (k + 1) * side / n - start;
+        const int offset = int(std::lround(pattern.offsets[k] * side));
         // A pane of the strip shows the picture under its scroll offset.
-        const QRectF target =
-            pattern.columns ? QRectF(k * size, 0, size, side) : QRectF(0, k * size, side, size);
-        const QRectF from = pattern.columns ? QRectF(offset, 0, size, side) : QRectF(0, offset, side, size);
+        const QRect target = pattern.columns ? QRect(start, 0, size, side) : QRect(0, start, side, size);
+        const QRect from = pattern.columns ? QRect(std::min(offset, side - size), 0, size, side)
+                                           : QRect(0, std::min(offset, side - size), side, size);
         p.drawImage(target, source, from);
     }
     return image;

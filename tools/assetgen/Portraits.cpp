@@ -3,6 +3,7 @@
 
 #include "resources/AssetNames.h"
 
+#include <QBuffer>
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
@@ -15,6 +16,7 @@ namespace assetgen {
 namespace {
 
 constexpr int width = 480, height = 600;
+constexpr int jpegQuality = 90;
 
 struct Person {
     bool male;
@@ -198,17 +200,22 @@ QImage drawPortrait(const Person& who) {
 }
 
 // One clearly detectable face, of a size that fits a studio portrait.
+// Checked on the picture as it will be stored, after JPEG compression.
 bool hasClearFace(const QImage& portrait) {
     thread_local cv::CascadeClassifier cascade(LUMIVEX_FACE_CASCADE);
     if (cascade.empty())
         return true; // no detector installed: nothing to check against
-    QImage grey = portrait.convertToFormat(QImage::Format_Grayscale8);
+    QByteArray stored;
+    QBuffer buffer(&stored);
+    buffer.open(QIODevice::WriteOnly);
+    portrait.save(&buffer, "jpg", jpegQuality);
+    QImage grey = QImage::fromData(stored, "jpg").convertToFormat(QImage::Format_Grayscale8);
     cv::Mat view(grey.height(), grey.width(), CV_8UC1, grey.bits(), size_t(grey.bytesPerLine()));
     cv::Mat equalised;
     cv::equalizeHist(view, equalised);
     std::vector<cv::Rect> faces;
-    cascade.detectMultiScale(equalised, faces, 1.1, 3, 0, cv::Size(80, 80));
-    return faces.size() == 1;
+    cascade.detectMultiScale(equalised, faces, 1.1, 3, 0, cv::Size(60, 60));
+    return faces.size() == 1 && faces[0].width > width / 4;
 }
 
 QImage portrait(bool male, int item) {
@@ -237,7 +244,7 @@ JobList portraitJobs() {
             const bool male = gender == AssetNames::Gender::male;
             jobs.push_back({"portraits", AssetNames::templateName(gender, i) + ".jpg",
                             [male, i](const Context&, const QString& path) {
-                                return saveJpeg(portrait(male, i), path, 90);
+                                return saveJpeg(portrait(male, i), path, jpegQuality);
                             }});
         }
     }

@@ -82,7 +82,8 @@ QImage symbolIcon(const IconTable::Icon& icon) {
     QPainter p(&image);
     p.setRenderHint(QPainter::Antialiasing);
     p.setRenderHint(QPainter::TextAntialiasing);
-    drawIcon(p, icon, QRectF(0, 0, symbolSide, symbolSide), Qt::white);
+    // A small margin keeps square glyphs (crop, photos) from touching the edge when tinted and fitted.
+    drawIcon(p, icon, QRectF(4, 4, symbolSide - 8, symbolSide - 8), Qt::white);
     return image;
 }
 

@@ -157,7 +157,7 @@ QImage mirrorPattern(const QImage& square, int index) {
 }
 
 QImage mirrorSource(const Context& context, int side) {
-    return fillCrop(samplePhoto(context, "squirrel_cls.jpg"), {side, side}, {0.6, 0.45});
+    return fillCrop(samplePhoto(context, "home.jpg"), {side, side}, {0.62, 0.5});
 }
 
 // ---- overlays -----------------------------------------------------------------------------------

@@ -555,7 +555,7 @@ QImage wallpaper(int index) {
     case 4:
         return bokeh(index / 6);
     default:
-        return index / 6 % 2 ? sunburst(index / 12) : geometric(index / 6 + 2);
+        return index / 6 % 2 ? sunburst(index / 12) : geometric(index / 6 + 10);
     }
 }
 

@@ -22,7 +22,15 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
             result.action = Action::showVersion;
             return result;
         }
-        if (arg == QLatin1String("--config-dir")) {
+        if (i == 1 && arg == QLatin1String("demo")) {
+            result.action = Action::runDemo;
+            result.outDir = QStringLiteral("lumivex-demo");
+        } else if (arg == QLatin1String("--out")) {
+            if (auto v = value(arg))
+                result.outDir = *v;
+            else
+                return result;
+        } else if (arg == QLatin1String("--config-dir")) {
             if (auto v = value(arg))
                 result.configDir = *v;
             else
@@ -57,9 +65,14 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
 QString CommandLine::helpText() {
     return QStringLiteral(
         "Usage: lumivex [options]\n"
+        "       lumivex demo [--out DIR]\n"
         "\n"
         "Lumivex turns photographs into one finished picture: collages, mixes, AI blends, mirrors\n"
         "and classic frames. Without options it opens the editor window.\n"
+        "\n"
+        "Commands:\n"
+        "  demo                   Build collages of the bundled sample photos without any display and\n"
+        "                         save them as JPEG into DIR (default ./lumivex-demo); prints the paths.\n"
         "\n"
         "Options:\n"
         "  -h, --help             Show this help and exit.\n"
@@ -67,6 +80,7 @@ QString CommandLine::helpText() {
         "  --config-dir DIR       Keep the program's settings in DIR (a new folder starts afresh).\n"
         "  --screenshot FILE      Save a picture of the window as PNG once it is shown, then quit.\n"
         "  --quit-after MS        Quit on its own after MS milliseconds.\n"
+        "  --out DIR              With demo: the folder the pictures go to.\n"
         "\n"
         "Environment:\n"
         "  LUMIVEX_PHOTO_LIBRARY  Folder of the photo album (default: Pictures/Lumivex).\n"

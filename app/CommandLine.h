@@ -6,13 +6,14 @@
 
 // What the command line asks the program to do, parsed before any display is opened.
 struct CommandLine {
-    enum class Action { runWindow, showHelp, showVersion, error };
+    enum class Action { runWindow, runDemo, showHelp, showVersion, error };
 
     Action action = Action::runWindow;
     QString errorText;
     QString configDir;      // where the launch flags are kept (a fresh folder gives a first run)
     QString screenshotPath; // save a picture of the window once shown, then quit
     int quitAfterMs = -1;   // quit on its own after this long
+    QString outDir;         // where `demo` writes its pictures
 
     static CommandLine parse(const QStringList& arguments);
     static QString helpText();

@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "Demo.h"
 #include "Version.h"
 
 #include "platform/AppWindow.h"
@@ -46,6 +47,14 @@ int main(int argc, char** argv) {
     case CommandLine::Action::error:
         std::fprintf(stderr, "lumivex: %s\nTry 'lumivex --help'.\n", qPrintable(command.errorText));
         return 2;
+    case CommandLine::Action::runDemo: {
+        // The demo draws offscreen; it needs no display.
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        QApplication app(argc, argv);
+        QApplication::setApplicationName(QStringLiteral("lumivex"));
+        return runDemo(command.outDir);
+    }
     case CommandLine::Action::runWindow:
         break;
     }

@@ -72,7 +72,7 @@ CollageCanvasView::CollageCanvasView(QWidget* parent) : QGraphicsView(parent) {
     customBackgroundImageView_->setZValue(kCustomBackgroundZ);
     customBackgroundImageView_->setVisible(false);
     scene_->addItem(customBackgroundImageView_);
-    scene_->setSceneRect(QRectF(QPointF(0, 0), QSizeF(size())));
+    scene_->setSceneRect(QRectF(QPointF(0, 0), canvasSize()));
 }
 
 CollageCanvasView::~CollageCanvasView() {
@@ -80,7 +80,16 @@ CollageCanvasView::~CollageCanvasView() {
 }
 
 QSizeF CollageCanvasView::canvasSize() const {
-    return scene_->sceneRect().size();
+    return QSizeF(size());
+}
+
+void CollageCanvasView::syncCanvasSize() {
+    // A hidden canvas gets no resize events, yet it may be sized, built and flattened offscreen.
+    const QRectF canvas(QPointF(0, 0), canvasSize());
+    if (scene_->sceneRect() == canvas)
+        return;
+    scene_->setSceneRect(canvas);
+    layoutPanes();
 }
 
 QRectF CollageCanvasView::paneFrame(const QRectF& rect, const QSizeF& size, double inset, double gap) {
@@ -190,8 +199,7 @@ void CollageCanvasView::layoutPanes() {
 void CollageCanvasView::resizeEvent(QResizeEvent* event) {
     QGraphicsView::resizeEvent(event);
     // A new canvas size (a new ratio) moves the panes; it does not rebuild them.
-    scene_->setSceneRect(QRectF(QPointF(0, 0), QSizeF(viewport()->size())));
-    layoutPanes();
+    syncCanvasSize();
 }
 
 CollagePaneView* CollageCanvasView::selectedPane() const {
@@ -491,6 +499,7 @@ bool CollageCanvasView::hasPendingWork() const {
 }
 
 ImagePtr CollageCanvasView::snapshot() {
+    syncCanvasSize();
     const QSizeF size = canvasSize();
     const double scale = Screen::main().scale();
     const QSize pixels(std::max(1, static_cast<int>(std::lround(size.width() * scale))),

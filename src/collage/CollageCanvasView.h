@@ -85,6 +85,7 @@ protected:
 
 private:
     void clearPanes();
+    void syncCanvasSize();
     void layoutPanes();
     CollagePaneView* selectedPane() const;
     // Both gestures act on the selected pane: `change` on began and changed, a spring back on the end.

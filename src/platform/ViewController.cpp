@@ -86,10 +86,11 @@ void ViewController::present(ViewController* controller, bool animated, std::fun
     }
     host->installEventFilter(controller);
     const QRect target = presentationRect(controller->presentationStyle_, host->rect());
-    controller->loadViewIfNeeded();
-    controller->setGeometry(target);
-    controller->show();
+    // Raised before it loads, so that whatever it presents while loading stays above it.
     controller->raise();
+    controller->setGeometry(target);
+    controller->loadViewIfNeeded();
+    controller->show();
     controller->setFocus();
     if (!animated) {
         if (completion)

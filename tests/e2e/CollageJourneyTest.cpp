@@ -1,0 +1,124 @@
+#include "collage/CollageCanvasView.h"
+#include "collage/CollageCell.h"
+#include "collage/CollageEditorViewController.h"
+#include "collage/FeatherOptionsView.h"
+#include "collage/FeatherSliderRow.h"
+#include "export/ExportScreens.h"
+#include "export/RateShareController.h"
+#include "platform/AppWindow.h"
+#include "platform/NavigationController.h"
+#include "platform/Notifications.h"
+#include "platform/PhotoLibrary.h"
+#include "platform/PhotoPicker.h"
+#include "platform/Screen.h"
+#include "platform/ShareSheet.h"
+#include "platform/TestMediaFiles.h"
+#include "platform/UserDefaults.h"
+#include "shell/AppDelegate.h"
+#include "shell/FeatureGridCell.h"
+#include "shell/NewHomePageController.h"
+#include "shell/TutorialPageViewController.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QPushButton>
+#include <QSlider>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWheelEvent>
+#include <gtest/gtest.h>
+
+namespace {
+
+QString sample(const QString& name) {
+    return QDir(QStringLiteral(LUMIVEX_SAMPLES_DIR)).filePath(name);
+}
+
+template <typename T> int indexOf(const std::vector<T>& list, T value) {
+    return static_cast<int>(std::find(list.begin(), list.end(), value) - list.begin());
+}
+
+// From the first launch to a saved collage: tutorial, home, picker, editor, save, album, share sheet.
+TEST(CollageJourney, ThreePhotosBecomeOneSavedCollage) {
+    Screen::main().setScale(3.0);
+    registerExportScreens();
+    QTemporaryDir profile;
+    QTemporaryDir album;
+    PhotoLibrary::shared().setFolder(album.path());
+    ShareSheet::resetPresentationRecord();
+    const QStringList picked = {sample(QStringLiteral("messi5.jpg")), sample(QStringLiteral("fruits.jpg")),
+                                sample(QStringLiteral("building.jpg"))};
+    PhotoPicker::setTestSource(
+        [picked](const PickerConfiguration&) { return std::optional<QStringList>(picked); });
+
+    UserDefaults defaults(profile.filePath(QStringLiteral("defaults.ini")));
+    Notifications notifications;
+    AppDelegate app(defaults, notifications, Reachability([] { return std::optional<uint32_t>(); }));
+    app.didFinishLaunchingWithOptions();
+    AppWindow* window = app.window();
+    auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
+    ASSERT_NE(tutorial, nullptr);
+    QTest::mouseClick(qobject_cast<TutorialPageViewController*>(tutorial->topViewController())->skipButton(),
+                      Qt::LeftButton);
+    auto* home = qobject_cast<NewHomePageController*>(window->rootViewController());
+    ASSERT_NE(home, nullptr);
+    QCoreApplication::processEvents();
+
+    QTest::mouseClick(home->featureCell(0), Qt::LeftButton);
+    ASSERT_TRUE(testsupport::waitUntil([&] {
+        return qobject_cast<CollageEditorViewController*>(home->presentedViewController()) != nullptr;
+    }));
+    auto* editor = qobject_cast<CollageEditorViewController*>(home->presentedViewController());
+    ASSERT_EQ(editor->viewModel().images().size(), 3u);
+    CollageCanvasView* canvas = editor->canvasView();
+
+    // Another layout, then the "Story" ratio, both picked from the bottom sheet.
+    editor->didSelectTool(static_cast<int>(CollageTool::layout));
+    ASSERT_GT(editor->optionCells().size(), 1);
+    QTest::mouseClick(editor->optionCells()[1], Qt::LeftButton);
+    EXPECT_EQ(editor->viewModel().selectedLayoutIndex(), 1);
+    editor->didSelectTool(static_cast<int>(CollageTool::ratio));
+    const int story =
+        indexOf(editor->viewModel().aspectRatioOptions(), CollageAspectRatioOption::instagramStory);
+    QTest::mouseClick(editor->optionCells()[story], Qt::LeftButton);
+    EXPECT_EQ(displayName(*editor->viewModel().selectedAspectRatioOption()), QStringLiteral("Story"));
+    testsupport::spin(50);
+    EXPECT_NEAR(canvas->canvasSize().width() / canvas->canvasSize().height(), 0.5625, 0.01);
+
+    // Move and zoom the selected pane with the mouse.
+    QWidget* surface = canvas->viewport();
+    const QPoint middle = surface->rect().center();
+    QTest::mousePress(surface, Qt::LeftButton, {}, middle);
+    QTest::mouseMove(surface, middle + QPoint(15, 0));
+    QTest::mouseMove(surface, middle + QPoint(40, 25));
+    QTest::mouseRelease(surface, Qt::LeftButton, {}, middle + QPoint(40, 25));
+    QWheelEvent zoom(middle, surface->mapToGlobal(QPointF(middle)), QPoint(), QPoint(0, 240), Qt::NoButton,
+                     Qt::ControlModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(surface, &zoom);
+    CollagePaneView* pane = canvas->paneViews()[*canvas->selectedIndex()];
+    EXPECT_NE(pane->translation(), QPointF());
+    EXPECT_GT(pane->scale(), 1.2);
+
+    // A softer feather from the slider, by keyboard.
+    editor->didSelectTool(static_cast<int>(CollageTool::feather));
+    QSlider* slider = editor->featherOptionsView()->horizontalRow()->slider();
+    slider->setFocus();
+    QTest::keyClick(slider, Qt::Key_PageUp);
+    QTest::keyClick(slider, Qt::Key_PageUp);
+    EXPECT_NEAR(canvas->selectedPaneFeather()->first, 45.0, 1e-9);
+
+    const QSizeF canvasPoints = canvas->canvasSize();
+    auto* save = editor->findChild<QPushButton*>(QStringLiteral("saveButton"));
+    ASSERT_NE(save, nullptr);
+    QTest::mouseClick(save, Qt::LeftButton);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return ShareSheet::presentationCount() >= 1; }));
+    EXPECT_NE(qobject_cast<RateShareController*>(editor->presentedViewController()), nullptr);
+
+    const QStringList written = QDir(album.path()).entryList({QStringLiteral("*.jpg")}, QDir::Files);
+    ASSERT_EQ(written.size(), 1);
+    const QImage saved = testvideo::decodeFirstPicture(QDir(album.path()).filePath(written.front()));
+    EXPECT_EQ(saved.size(), (canvasPoints * 3.0).toSize());
+    PhotoPicker::setTestSource({});
+}
+
+} // namespace

@@ -12,7 +12,9 @@
 #include "platform/PhotoPicker.h"
 #include "support/TestSupport.h"
 
+#include <QBuffer>
 #include <QDir>
+#include <QFile>
 #include <QLabel>
 #include <QPushButton>
 #include <QSlider>
@@ -163,6 +165,41 @@ TEST(CollageEditor, ImportOffersWhatIsLeftOfEightAndAppends) {
     EXPECT_EQ(e.canvas()->paneViews().size(), 8u);
     for (CollageLayoutOption option : e.editor->viewModel().layoutOptions())
         EXPECT_EQ(paneCount(option), 8);
+}
+
+TEST(CollageEditor, ImportOfFilesThatAreNoPicturesKeepsTheCollageAsItWas) {
+    QTemporaryDir dir;
+    const QString text = dir.filePath(QStringLiteral("notes.png"));
+    const QString empty = dir.filePath(QStringLiteral("empty.jpg"));
+    const QString truncated = dir.filePath(QStringLiteral("half.jpg"));
+    {
+        QFile file(text);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("not a picture at all");
+    }
+    QFile(empty).open(QIODevice::WriteOnly);
+    {
+        QByteArray jpeg;
+        QBuffer buffer(&jpeg);
+        buffer.open(QIODevice::WriteOnly);
+        ASSERT_TRUE(photo(Qt::red, QSize(400, 300))->bitmap().save(&buffer, "JPEG"));
+        QFile file(truncated);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(jpeg.left(jpeg.size() / 2));
+    }
+    const QStringList files = {text, empty, truncated};
+    PhotoPicker::setTestSource(
+        [files](const PickerConfiguration&) { return std::optional<QStringList>(files); });
+    const auto images = photos(4);
+    Editor e(images);
+    e.canvas()->selectPane(2);
+    e.editor->didSelectTool(toolIndex(CollageTool::transform));
+    e.editor->didSelectOption(static_cast<int>(CollageTransformAction::importImages));
+    testsupport::spin(300);
+    PhotoPicker::setTestSource({});
+    EXPECT_EQ(e.editor->viewModel().images(), images);
+    EXPECT_EQ(e.canvas()->paneViews().size(), 4u);
+    EXPECT_EQ(e.canvas()->selectedIndex(), 2);
 }
 
 TEST(CollageEditor, CropReplacesTheSelectedPhotoWithTheCroppedOne) {

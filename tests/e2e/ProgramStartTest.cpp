@@ -79,6 +79,21 @@ void expectTutorialOnCleanProfile(const QString& program, QStringList prefix,
     EXPECT_EQ(image.size(), QSize(390, 844));
 }
 
+TEST(ProgramStart, DemoWritesCollagesWithoutAnyDisplay) {
+    QTemporaryDir out;
+    const Result r = runProgram(binary, {QStringLiteral("demo"), QStringLiteral("--out"), out.path()},
+                                withoutDisplay(), 120000);
+    ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
+    const QStringList printed = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    ASSERT_GE(printed.size(), 3);
+    for (const QString& path : printed) {
+        const QImage picture(path);
+        ASSERT_FALSE(picture.isNull()) << path.toStdString();
+        EXPECT_TRUE(path.startsWith(out.path()));
+        EXPECT_EQ(picture.width() % 3, 0); // points at three pixels each
+    }
+}
+
 TEST(ProgramStart, OffscreenPlatformShowsTutorialOnCleanProfile) {
     QProcessEnvironment env = withoutDisplay();
     env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));

@@ -16,7 +16,9 @@ TEST(Animations, InstantSwitchCompletesSynchronouslyAtTheEnd) {
     QObject owner;
     double last = -1;
     bool done = false;
-    EXPECT_EQ(Animations::animate(&owner, 0.5, [&](double p) { last = p; }, [&](bool f) { done = f; }), nullptr);
+    EXPECT_EQ(Animations::animate(
+                  &owner, 0.5, [&](double p) { last = p; }, [&](bool f) { done = f; }),
+              nullptr);
     EXPECT_DOUBLE_EQ(last, 1.0);
     EXPECT_TRUE(done);
 }
@@ -26,7 +28,8 @@ TEST(Animations, RealTimeRunsToEndAndStopsWithItsOwner) {
     QObject owner;
     std::vector<double> steps;
     bool done = false;
-    Animations::animate(&owner, 0.08, [&](double p) { steps.push_back(p); }, [&](bool) { done = true; });
+    Animations::animate(
+        &owner, 0.08, [&](double p) { steps.push_back(p); }, [&](bool) { done = true; });
     EXPECT_FALSE(done);
     ASSERT_TRUE(testsupport::waitUntil([&] { return done; }, 2000));
     EXPECT_DOUBLE_EQ(steps.back(), 1.0);

@@ -80,7 +80,7 @@ TEST(Presentation, PresentStacksAndDismissTakesChildrenAlong) {
     EXPECT_TRUE(presented);
     EXPECT_EQ(sheet->presentingViewController(), root);
     EXPECT_GT(sheet->geometry().top(), 0); // a sheet leaves a strip of the screen behind visible
-    root->present(cover, false); // goes on top of the sheet
+    root->present(cover, false);           // goes on top of the sheet
     EXPECT_EQ(sheet->presentedViewController(), cover);
     EXPECT_EQ(cover->geometry(), window.rect());
 
@@ -127,7 +127,8 @@ TEST(AlertCard, ButtonDismissesThenRunsHandlerAndKeysPickActions) {
     EXPECT_EQ(Alert::visibleAlert(&window), alert);
     ASSERT_NE(alert->buttonForAction(QStringLiteral("OK")), nullptr);
     QTest::mouseClick(alert->buttonForAction(QStringLiteral("OK")), Qt::LeftButton);
-    QTest::mouseClick(alert->buttonForAction(QStringLiteral("OK")), Qt::LeftButton); // a second tap does nothing
+    QTest::mouseClick(alert->buttonForAction(QStringLiteral("OK")),
+                      Qt::LeftButton); // a second tap does nothing
     EXPECT_EQ(ran, QStringList({"ok"}));
     EXPECT_EQ(Alert::visibleAlert(&window), nullptr);
 
@@ -141,8 +142,10 @@ TEST(AlertCard, ButtonDismissesThenRunsHandlerAndKeysPickActions) {
 }
 
 TEST(StoryboardRegistry, UnknownNamesGiveNull) {
-    Storyboard::registerController(QStringLiteral("Main"), QStringLiteral("Known"), [] { return new ViewController; });
-    std::unique_ptr<ViewController> made(Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("Known")));
+    Storyboard::registerController(QStringLiteral("Main"), QStringLiteral("Known"),
+                                   [] { return new ViewController; });
+    std::unique_ptr<ViewController> made(
+        Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("Known")));
     EXPECT_NE(made, nullptr);
     EXPECT_EQ(Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("Unknown")), nullptr);
     EXPECT_EQ(Storyboard::instantiate(QStringLiteral("Other"), QStringLiteral("Known")), nullptr);

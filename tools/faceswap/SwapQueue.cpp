@@ -1,0 +1,111 @@
+#include "SwapQueue.h"
+
+#include "FaceSwap.h"
+
+#include <random>
+
+namespace lumivex::faceswap {
+
+std::string newTaskId() {
+    static std::mutex mutex;
+    static std::mt19937_64 engine{std::random_device{}()};
+    static constexpr char digits[] = "0123456789abcdef";
+    std::string id(32, '0');
+    std::lock_guard lock(mutex);
+    for (int half = 0; half < 2; ++half) {
+        std::uint64_t bits = engine();
+        for (int i = 0; i < 16; ++i, bits >>= 4)
+            id[half * 16 + i] = digits[bits & 0xf];
+    }
+    return id;
+}
+
+SwapQueue::SwapQueue(Options options) : options_(std::move(options)) {
+    const int count = std::max(1, options_.workers);
+    for (int i = 0; i < count; ++i)
+        workers_.emplace_back([this] { work(); });
+}
+
+SwapQueue::~SwapQueue() {
+    shutdown();
+}
+
+void SwapQueue::shutdown() {
+    {
+        std::lock_guard lock(mutex_);
+        stopping_ = true;
+        waiting_.clear();
+    }
+    wake_.notify_all();
+    for (std::thread& t : workers_)
+        if (t.joinable())
+            t.join();
+}
+
+std::optional<std::string> SwapQueue::submit(SwapJob job) {
+    std::string id = newTaskId();
+    {
+        std::lock_guard lock(mutex_);
+        forgetExpired(std::chrono::steady_clock::now());
+        if (stopping_ || waiting_.size() >= options_.capacity)
+            return std::nullopt;
+        tasks_.emplace(id, Task{});
+        waiting_.emplace_back(id, std::move(job));
+    }
+    wake_.notify_one();
+    return id;
+}
+
+TaskStatus SwapQueue::status(const std::string& id) {
+    std::lock_guard lock(mutex_);
+    forgetExpired(std::chrono::steady_clock::now());
+    const auto it = tasks_.find(id);
+    if (it == tasks_.end())
+        return {};
+    return it->second.result;
+}
+
+void SwapQueue::forgetExpired(std::chrono::steady_clock::time_point now) {
+    std::erase_if(tasks_, [now](const auto& entry) { return entry.second.expires <= now; });
+}
+
+void SwapQueue::work() {
+    // Cascades keep scratch state, so every worker loads its own.
+    FaceSwapper swapper(options_.cascadeDir);
+    for (;;) {
+        std::pair<std::string, SwapJob> next;
+        {
+            std::unique_lock lock(mutex_);
+            wake_.wait(lock, [this] { return stopping_ || !waiting_.empty(); });
+            if (stopping_)
+                return;
+            next = std::move(waiting_.front());
+            waiting_.pop_front();
+        }
+        SwapOutcome outcome;
+        if (!swapper.isReady()) {
+            outcome.status = 500;
+            outcome.reason = "The face detector could not be loaded from " + options_.cascadeDir;
+        } else {
+            outcome = swapper.swapEncoded(next.second.source, next.second.target, next.second.faceIndex);
+        }
+        TaskStatus done;
+        if (outcome.ok()) {
+            done.kind = TaskStatus::Kind::Done;
+            done.status = 200;
+            done.body.assign(outcome.jpeg.begin(), outcome.jpeg.end());
+        } else {
+            done.kind = TaskStatus::Kind::Failed;
+            done.status = outcome.status;
+            done.body = outcome.reason;
+        }
+        std::lock_guard lock(mutex_);
+        const auto it = tasks_.find(next.first);
+        if (it != tasks_.end()) {
+            it->second.result = std::move(done);
+            it->second.expires = std::chrono::steady_clock::now() + options_.resultLifetime;
+        }
+    }
+}
+
+} // namespace lumivex::faceswap

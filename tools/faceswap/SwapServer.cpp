@@ -1,0 +1,173 @@
+#include "SwapServer.h"
+
+#include <charconv>
+#include <cstring>
+#include <iostream>
+#include <mutex>
+
+namespace lumivex::faceswap {
+
+namespace {
+
+constexpr const char* kText = "text/plain; charset=utf-8";
+
+// The logger runs on the connection's thread right after the handler, so the start time can live there.
+thread_local std::chrono::steady_clock::time_point requestStart;
+thread_local bool requestTimed = false;
+
+void fail(httplib::Response& res, int status, const std::string& reason) {
+    res.status = status;
+    res.set_content(reason, kText);
+}
+
+bool startsWith(const std::string& bytes, const char* magic, std::size_t length, std::size_t at = 0) {
+    return bytes.size() >= at + length && std::memcmp(bytes.data() + at, magic, length) == 0;
+}
+
+} // namespace
+
+bool looksLikeImage(const std::string& bytes) {
+    return startsWith(bytes, "\xFF\xD8\xFF", 3) || startsWith(bytes, "\x89PNG\r\n\x1A\n", 8) ||
+           (startsWith(bytes, "RIFF", 4) && startsWith(bytes, "WEBP", 4, 8)) || startsWith(bytes, "BM", 2) ||
+           startsWith(bytes, "II*\0", 4) || startsWith(bytes, "MM\0*", 4);
+}
+
+SwapServer::SwapServer(ServerOptions options)
+    : options_(std::move(options)),
+      queue_({options_.workers, options_.queueCapacity, options_.resultLifetime, options_.cascadeDir}) {
+    http_.set_payload_max_length(options_.maxUploadBytes);
+    http_.set_pre_routing_handler([](const httplib::Request&, httplib::Response&) {
+        requestStart = std::chrono::steady_clock::now();
+        requestTimed = true;
+        return httplib::Server::HandlerResponse::Unhandled;
+    });
+    http_.Post("/swap",
+               [this](const httplib::Request& req, httplib::Response& res) { handleSwap(req, res); });
+    http_.Get("/result/(.*)",
+              [this](const httplib::Request& req, httplib::Response& res) { handleResult(req, res); });
+    // The library answers some failures itself (oversized or unparsable bodies, unknown paths) without a
+    // body; give each a reason a person can read.
+    http_.set_error_handler(
+        httplib::Server::HandlerWithResponse([this](const httplib::Request&, httplib::Response& res) {
+            if (!res.body.empty())
+                return httplib::Server::HandlerResponse::Unhandled;
+            switch (res.status) {
+            case 413:
+                fail(res, 413,
+                     "The upload is larger than " + std::to_string(options_.maxUploadBytes >> 20) + " MB");
+                break;
+            case 400:
+                fail(res, 400, "The request could not be read as a multipart form");
+                break;
+            case 404:
+                fail(res, 404, "Not found");
+                break;
+            default:
+                fail(res, res.status, "HTTP error " + std::to_string(res.status));
+            }
+            return httplib::Server::HandlerResponse::Handled;
+        }));
+    http_.set_exception_handler([](const httplib::Request&, httplib::Response& res, std::exception_ptr) {
+        fail(res, 500, "Internal error");
+    });
+    http_.set_logger(
+        [this](const httplib::Request& req, const httplib::Response& res) { logLine(req, res); });
+}
+
+SwapServer::~SwapServer() {
+    stop();
+    queue_.shutdown();
+}
+
+bool SwapServer::bind() {
+    if (options_.port == 0)
+        port_ = http_.bind_to_any_port(options_.host);
+    else
+        port_ = http_.bind_to_port(options_.host, options_.port) ? options_.port : -1;
+    return port_ > 0;
+}
+
+bool SwapServer::run() {
+    return http_.listen_after_bind();
+}
+
+void SwapServer::start() {
+    if (port_ <= 0)
+        return;
+    thread_ = std::thread([this] { http_.listen_after_bind(); });
+    // Requests sent before the accept loop runs would still be queued by the kernel, but tests that stop
+    // at once would race the loop's start.
+    while (!http_.is_running())
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+void SwapServer::stop() {
+    http_.stop();
+    if (thread_.joinable())
+        thread_.join();
+}
+
+void SwapServer::handleSwap(const httplib::Request& req, httplib::Response& res) {
+    if (!req.is_multipart_form_data())
+        return fail(res, 400, "Send a multipart form with the parts source, target and face_index");
+    if (req.files.empty())
+        return fail(res, 400, "The form has no parts; send source, target and face_index");
+    for (const char* name : {"source", "target", "face_index"})
+        if (!req.has_file(name))
+            return fail(res, 400, std::string("The form has no part named ") + name);
+
+    SwapJob job;
+    job.source = req.get_file_value("source").content;
+    job.target = req.get_file_value("target").content;
+    for (const auto& [name, bytes] : {std::pair{"source", &job.source}, std::pair{"target", &job.target}})
+        if (!looksLikeImage(*bytes))
+            return fail(res, 400,
+                        std::string("The part ") + name + " is not a JPEG, PNG, WebP, BMP or TIFF photo");
+
+    const std::string index = req.get_file_value("face_index").content;
+    const auto [end, error] = std::from_chars(index.data(), index.data() + index.size(), job.faceIndex);
+    if (error != std::errc() || end != index.data() + index.size() || job.faceIndex < 0)
+        return fail(res, 400, "face_index must be a whole number from 0 (0 is the largest face)");
+
+    const std::optional<std::string> id = queue_.submit(std::move(job));
+    if (!id) {
+        res.set_header("Retry-After", "5");
+        return fail(res, 503, "The service is busy; try again in a moment");
+    }
+    res.set_content("{\"task_id\": \"" + *id + "\"}", "application/json");
+}
+
+void SwapServer::handleResult(const httplib::Request& req, httplib::Response& res) {
+    const TaskStatus task = queue_.status(req.matches[1]);
+    switch (task.kind) {
+    case TaskStatus::Kind::Unknown:
+        return fail(res, 410, "Unknown task, or its result has expired");
+    case TaskStatus::Kind::Pending:
+        return fail(res, 404, "The swap is not finished yet");
+    case TaskStatus::Kind::Done:
+        res.set_content(task.body, "image/jpeg");
+        return;
+    case TaskStatus::Kind::Failed:
+        return fail(res, task.status, task.body);
+    }
+}
+
+void SwapServer::logLine(const httplib::Request& req, const httplib::Response& res) {
+    long long ms = 0;
+    if (requestTimed)
+        ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                                   requestStart)
+                 .count();
+    requestTimed = false;
+    const std::string line = req.method + " " + req.path + " " + std::to_string(res.status) + " " +
+                             std::to_string(res.body.size()) + "B " + std::to_string(ms) + "ms";
+    if (options_.log) {
+        options_.log(line);
+        return;
+    }
+    static std::mutex mutex;
+    std::lock_guard lock(mutex);
+    std::cerr << line << std::endl;
+}
+
+} // namespace lumivex::faceswap

@@ -1,5 +1,6 @@
 #include "shell/NewHomePageController.h"
 
+#include "ai/AIBlendingViewController.h"
 #include "collage/CollageEditorViewController.h"
 #include "collage/CollageEditorViewModel.h"
 #include "collage/PhotoLoading.h"
@@ -8,6 +9,7 @@
 #include "platform/Assets.h"
 #include "platform/ImageView.h"
 #include "platform/Log.h"
+#include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
 #include "platform/UserDefaults.h"
 #include "shell/FeatureGridCell.h"
@@ -396,9 +398,13 @@ void NewHomePageController::didSelectFeature(int item) {
         pendingDestination_ = EditorDestination::collage;
         presentPhotoPicker();
         break;
-    case 1:
-        printLine("AI Blend is not available in this build yet.");
+    case 1: {
+        auto* navigation = new NavigationController(new AIBlendingViewController);
+        navigation->setNavigationBarHidden(true);
+        navigation->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
+        present(navigation, true);
         break;
+    }
     case 2:
         printLine("The classic layout collage is not available in this build yet.");
         break;

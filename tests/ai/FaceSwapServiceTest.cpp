@@ -4,6 +4,8 @@
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <atomic>
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -93,21 +95,52 @@ TEST(FaceSwapServiceTest, PictureThatCannotBeEncodedFailsAtOnceWithoutARequest) 
     EXPECT_EQ(requests.load(), 0);
 }
 
-TEST(FaceSwapServiceTest, SubmitSendsTheMultipartBodyByteForByteWithAFreshBoundary) {
-    LoopbackServer http;
-    std::mutex mutex;
+// A bare HTTP/1.1 listener on the main thread that keeps each request's bytes exactly as they came
+// over the wire (a full HTTP library splits multipart bodies into parts before a handler sees them).
+struct RawRequestRecorder {
+    QTcpServer server;
     std::vector<std::pair<std::string, std::string>> seen; // content type, body
-    http.server.Post("/swap", [&](const httplib::Request& req, httplib::Response& res,
-                                  const httplib::ContentReader& reader) {
-        std::string body; // raw, as it came over the wire
-        reader([&](const char* data, size_t length) {
-            body.append(data, length);
-            return true;
+
+    RawRequestRecorder() {
+        server.listen(QHostAddress::LocalHost);
+        QObject::connect(&server, &QTcpServer::newConnection, [this] {
+            while (QTcpSocket* socket = server.nextPendingConnection()) {
+                auto buffer = std::make_shared<QByteArray>();
+                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket, buffer] {
+                    buffer->append(socket->readAll());
+                    const qsizetype headerEnd = buffer->indexOf("\r\n\r\n");
+                    if (headerEnd < 0)
+                        return;
+                    const QByteArray head = buffer->left(headerEnd);
+                    QByteArray contentType;
+                    qsizetype length = 0;
+                    for (const QByteArray& line : head.split('\n')) {
+                        const QByteArray trimmed = line.trimmed();
+                        if (trimmed.toLower().startsWith("content-type:"))
+                            contentType = trimmed.mid(13).trimmed();
+                        if (trimmed.toLower().startsWith("content-length:"))
+                            length = trimmed.mid(15).trimmed().toLongLong();
+                    }
+                    if (buffer->size() - headerEnd - 4 < length)
+                        return;
+                    seen.emplace_back(contentType.toStdString(),
+                                      buffer->mid(headerEnd + 4, length).toStdString());
+                    const QByteArray reply = R"({"other": 1, "task_id": "job-1"})";
+                    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: " +
+                                  QByteArray::number(reply.size()) + "\r\nConnection: close\r\n\r\n" + reply);
+                    socket->disconnectFromHost();
+                });
+                QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+            }
         });
-        std::lock_guard lock(mutex);
-        seen.emplace_back(req.get_header_value("Content-Type"), body);
-        res.set_content(R"({"other": 1, "task_id": "job-1"})", "application/json");
-    });
+    }
+    QString origin() const { return QStringLiteral("http://127.0.0.1:%1").arg(server.serverPort()); }
+};
+
+TEST(FaceSwapServiceTest, SubmitSendsTheMultipartBodyByteForByteWithAFreshBoundary) {
+    RawRequestRecorder http;
+    ASSERT_TRUE(http.server.isListening());
+    auto& seen = http.seen;
     FaceSwapService service(http.origin());
     const ImagePtr source = solidImage(40, 30, Qt::blue);
     const ImagePtr target = solidImage(20, 50, Qt::yellow);

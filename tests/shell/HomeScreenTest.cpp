@@ -1,7 +1,9 @@
+#include "ai/AIBlendingViewController.h"
 #include "collage/CollageEditorViewController.h"
 #include "collage/PhotoLoading.h"
 #include "platform/Alert.h"
 #include "platform/AppWindow.h"
+#include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
 #include "platform/UserDefaults.h"
 #include "shell/FeatureGridCell.h"
@@ -138,10 +140,18 @@ TEST_F(HomeScreenTest, CancelledPickerAndPicMixerPhotosOpenNothing) {
     EXPECT_EQ(home->pendingDestination(), EditorDestination::picMixer);
     testsupport::spin(300);
     EXPECT_EQ(home->presentedViewController(), nullptr);
-    // The other editors are not built yet: their cards do nothing.
-    for (int card : {1, 2, 3})
+    // The classic and mirror editors are not built yet: their cards do nothing.
+    for (int card : {2, 3})
         home->didSelectFeature(card);
     EXPECT_EQ(home->presentedViewController(), nullptr);
+
+    // The AI Blend card opens the template screen inside a navigation stack without a bar.
+    home->didSelectFeature(1);
+    auto* navigation = qobject_cast<NavigationController*>(home->presentedViewController());
+    ASSERT_NE(navigation, nullptr);
+    EXPECT_TRUE(navigation->isNavigationBarHidden());
+    EXPECT_NE(qobject_cast<AIBlendingViewController*>(navigation->topViewController()), nullptr);
+    EXPECT_EQ(navigation->modalPresentationStyle(), ModalPresentationStyle::fullScreen);
 }
 
 TEST(PhotoLoading, SelectionOrderSurvivesUnorderedLoadingAndUnreadableItemsDrop) {

@@ -1,5 +1,7 @@
 #include "SwapServer.h"
 
+#include <sys/socket.h>
+
 #include <charconv>
 #include <cstring>
 #include <iostream>
@@ -36,6 +38,11 @@ SwapServer::SwapServer(ServerOptions options)
     : options_(std::move(options)),
       queue_({options_.workers, options_.queueCapacity, options_.resultLifetime, options_.cascadeDir}) {
     http_.set_payload_max_length(options_.maxUploadBytes);
+    // Keep the listening socket so bind() can widen its backlog (see there).
+    http_.set_socket_options([this](socket_t sock) {
+        httplib::default_socket_options(sock);
+        listenSocket_ = sock;
+    });
     http_.set_pre_routing_handler([](const httplib::Request&, httplib::Response&) {
         requestStart = std::chrono::steady_clock::now();
         requestTimed = true;
@@ -84,6 +91,10 @@ bool SwapServer::bind() {
         port_ = http_.bind_to_any_port(options_.host);
     else
         port_ = http_.bind_to_port(options_.host, options_.port) ? options_.port : -1;
+    // The packaged HTTP library listens with a backlog of 5, which drops connections when a burst of
+    // clients arrives while the machine is busy; listening again on the bound socket widens it.
+    if (port_ > 0 && listenSocket_ >= 0)
+        ::listen(listenSocket_, kListenBacklog);
     return port_ > 0;
 }
 

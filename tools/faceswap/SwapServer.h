@@ -51,6 +51,8 @@ private:
     httplib::Server http_;
     std::thread thread_;
     int port_ = -1;
+    socket_t listenSocket_ = -1;
+    static constexpr int kListenBacklog = 128;
 
     void handleSwap(const httplib::Request& req, httplib::Response& res);
     void handleResult(const httplib::Request& req, httplib::Response& res);

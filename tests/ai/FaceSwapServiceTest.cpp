@@ -100,6 +100,9 @@ TEST(FaceSwapServiceTest, PictureThatCannotBeEncodedFailsAtOnceWithoutARequest) 
 struct RawRequestRecorder {
     QTcpServer server;
     std::vector<std::pair<std::string, std::string>> seen; // content type, body
+    // Sent back to every request, exactly as it stands.
+    QByteArray response = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: 32\r\n"
+                          "Connection: close\r\n\r\n{\"other\": 1, \"task_id\": \"job-1\"}";
 
     RawRequestRecorder() {
         server.listen(QHostAddress::LocalHost);
@@ -125,9 +128,7 @@ struct RawRequestRecorder {
                         return;
                     seen.emplace_back(contentType.toStdString(),
                                       buffer->mid(headerEnd + 4, length).toStdString());
-                    const QByteArray reply = R"({"other": 1, "task_id": "job-1"})";
-                    socket->write("HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: " +
-                                  QByteArray::number(reply.size()) + "\r\nConnection: close\r\n\r\n" + reply);
+                    socket->write(response);
                     socket->disconnectFromHost();
                 });
                 QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
@@ -247,6 +248,18 @@ TEST(FaceSwapServiceTest, FetchFailuresUseTheBodyOrGenericWords) {
     EXPECT_EQ(fetch("binary"), ServiceError::server("Unknown server error"));
     EXPECT_EQ(fetch("words"), ServiceError::server("No face found in the source photo"));
     EXPECT_EQ(fetch("notimage"), ServiceError::invalidImageResponse());
+}
+
+TEST(FaceSwapServiceTest, FetchFailureWithNoBodyAtAllUsesGenericWords) {
+    // No length, no chunks, nothing before the connection closes: there is no body, which is not
+    // the same as an empty one.
+    RawRequestRecorder http;
+    http.response = "HTTP/1.1 500 Internal Server Error\r\nConnection: close\r\n\r\n";
+    FaceSwapService service(http.origin());
+    Outcome<FaceSwapService::FetchResult> outcome;
+    service.fetchResult(QStringLiteral("job-1"), outcome.completion());
+    ASSERT_TRUE(outcome.wait());
+    EXPECT_EQ(serviceErrorOf(outcome.results.front()), ServiceError::server("Unknown server error"));
 }
 
 TEST(FaceSwapServiceTest, FetchPollsEveryTwoSecondsUntilThePictureIsReady) {

@@ -1,5 +1,6 @@
 #include "ai/FaceSwapService.h"
 #include "platform/Assets.h"
+#include "platform/Vision.h"
 #include "resources/AssetNames.h"
 #include "support/TestSupport.h"
 
@@ -47,9 +48,40 @@ TEST(FaceSwapJourney, ClientAndBundledServiceSwapAFaceIntoATemplate) {
     ASSERT_TRUE(std::holds_alternative<ImagePtr>(*fetched))
         << localizedDescription(std::get<FaceSwapError>(*fetched)).toStdString();
     const ImagePtr blended = std::get<ImagePtr>(*fetched);
-    EXPECT_EQ(blended->pixelSize(), templatePicture->pixelSize());
-    EXPECT_NE(blended->bitmap().convertToFormat(QImage::Format_RGB32),
-              templatePicture->bitmap().convertToFormat(QImage::Format_RGB32));
+    ASSERT_EQ(blended->pixelSize(), templatePicture->pixelSize());
+
+    // The template's face changed; what lies well away from it did not.
+    const auto faces = VisionRequestHandler(*templatePicture).detectFaceRectangles();
+    ASSERT_TRUE(faces && !faces->empty());
+    const QRectF box = *Vision::largestBox(*faces);
+    const QSize size = templatePicture->pixelSize();
+    const QRect faceRegion(
+        static_cast<int>(box.x() * size.width()), static_cast<int>((1.0 - box.bottom()) * size.height()),
+        static_cast<int>(box.width() * size.width()), static_cast<int>(box.height() * size.height()));
+    const QRect away = faceRegion.adjusted(-faceRegion.width() / 2, -faceRegion.height() / 2,
+                                           faceRegion.width() / 2, faceRegion.height() / 2);
+    const QImage before = templatePicture->uprightBitmap().convertToFormat(QImage::Format_RGB32);
+    const QImage after = blended->uprightBitmap().convertToFormat(QImage::Format_RGB32);
+    double inside = 0, outside = 0;
+    int insideCount = 0, outsideCount = 0;
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            const QRgb a = before.pixel(x, y);
+            const QRgb b = after.pixel(x, y);
+            const double d = (std::abs(qRed(a) - qRed(b)) + std::abs(qGreen(a) - qGreen(b)) +
+                              std::abs(qBlue(a) - qBlue(b))) /
+                             3.0;
+            if (faceRegion.contains(x, y)) {
+                inside += d;
+                ++insideCount;
+            } else if (!away.contains(x, y)) {
+                outside += d;
+                ++outsideCount;
+            }
+        }
+    }
+    EXPECT_GT(inside / insideCount, 6.0);
+    EXPECT_LT(outside / std::max(1, outsideCount), 2.0);
 
     service.terminate();
     service.waitForFinished(5000);

@@ -20,6 +20,7 @@ constexpr int strikeSize = 109;
 // Emoji per category, in catalogue order. A "~h" suffix means the glyph with its hue turned by h degrees,
 // which gives the butterfly category the many wings it needs.
 const QStringList& emojiFor(const QString& prefix) {
+    // clang-format off
     static const QHash<QString, QStringList> table{
         {"butterfly",
          QString(
@@ -95,6 +96,7 @@ const QStringList& emojiFor(const QString& prefix) {
              "🏆 🥇")
              .split(' ')},
     };
+    // clang-format on
     static const QStringList none;
     const auto it = table.constFind(prefix);
     return it == table.constEnd() ? none : *it;

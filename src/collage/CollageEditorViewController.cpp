@@ -37,12 +37,6 @@ constexpr int kToolsHeight = 64;
 constexpr int kStackSpacing = 8;
 constexpr int kChevronSize = 36;
 
-QIcon symbolIcon(const QString& name) {
-    if (ImagePtr image = Assets::image(name))
-        return QIcon(QPixmap::fromImage(image->uprightBitmap()));
-    return QIcon();
-}
-
 // The sheet behind the tools: rounded on its top corners only.
 class BottomSheetBackground : public QWidget {
 public:
@@ -121,7 +115,7 @@ void CollageEditorViewController::buildViews() {
     backButton_->setFixedSize(32, 32);
     backButton_->setCursor(Qt::PointingHandCursor);
     backButton_->setToolTip(QStringLiteral("Back"));
-    const QIcon back = symbolIcon(QStringLiteral("chevron.left"));
+    const QIcon back = Assets::icon(QStringLiteral("chevron.left"));
     if (back.isNull())
         backButton_->setText(QStringLiteral("‹"));
     else
@@ -137,7 +131,7 @@ void CollageEditorViewController::buildViews() {
 
     saveButton_ = new QPushButton(QStringLiteral("Save"), this);
     saveButton_->setObjectName(QStringLiteral("saveButton"));
-    saveButton_->setIcon(symbolIcon(QStringLiteral("square.and.arrow.down")));
+    saveButton_->setIcon(Assets::icon(QStringLiteral("square.and.arrow.down")));
     saveButton_->setCursor(Qt::PointingHandCursor);
     saveButton_->setFixedHeight(34);
     saveButton_->setToolTip(QStringLiteral("Save (Ctrl+S)"));
@@ -198,7 +192,7 @@ void CollageEditorViewController::buildViews() {
 
     layersPanelView_ = new LayersPanelView(this);
     layersPanelView_->setVisible(false);
-    const QIcon chevron = symbolIcon(chevronSymbol_);
+    const QIcon chevron = Assets::icon(chevronSymbol_);
     expandChevronButton_->setIcon(chevron);
     if (chevron.isNull())
         expandChevronButton_->setText(QStringLiteral("⌄"));
@@ -518,7 +512,7 @@ void CollageEditorViewController::showPanel(std::optional<OptionsPanel> panel) {
         loadFeathersIntoSliders();
     optionsPanelContainerView_->setVisible(panel.has_value());
     chevronSymbol_ = panel ? QStringLiteral("chevron.up") : QStringLiteral("chevron.down");
-    const QIcon chevron = symbolIcon(chevronSymbol_);
+    const QIcon chevron = Assets::icon(chevronSymbol_);
     expandChevronButton_->setIcon(chevron);
     expandChevronButton_->setText(chevron.isNull() ? (panel ? QStringLiteral("⌃") : QStringLiteral("⌄"))
                                                    : QString());

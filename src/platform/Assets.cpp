@@ -1,5 +1,7 @@
 #include "platform/Assets.h"
 
+#include <QPixmap>
+
 #include "platform/Log.h"
 
 #include <QCoreApplication>
@@ -202,6 +204,11 @@ void clearCache() {
     std::lock_guard lock(s.mutex);
     s.cache.clear();
     ++s.generation;
+}
+
+QIcon icon(const QString& name) {
+    const ImagePtr picture = image(name);
+    return picture ? QIcon(QPixmap::fromImage(picture->uprightBitmap())) : QIcon();
 }
 
 } // namespace Assets

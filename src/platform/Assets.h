@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QIcon>
+
 #include "platform/Image.h"
 
 #include <QString>
@@ -19,6 +21,9 @@ namespace Assets {
 // extensions is tried as it is first. Null when nothing is found or the file cannot be decoded.
 // Results, misses included, are cached by name until clearCache() or setSearchPaths().
 ImagePtr image(const QString& name);
+
+// The picture of that name as a button icon; a null icon when there is none.
+QIcon icon(const QString& name);
 
 // Absolute path of the file `name.ext` (or just `name` when `ext` is empty) in the first folder that
 // has it.

@@ -13,11 +13,11 @@ QPushButton* makeBackButton(QWidget* parent) {
     button->setFixedSize(kBackButtonSize, kBackButtonSize);
     button->setCursor(Qt::PointingHandCursor);
     button->setToolTip(QStringLiteral("Back"));
-    if (ImagePtr chevron = Assets::image(QStringLiteral("chevron.left"))) {
-        button->setIcon(QIcon(QPixmap::fromImage(chevron->uprightBitmap())));
-    } else {
+    const QIcon chevron = Assets::icon(QStringLiteral("chevron.left"));
+    if (chevron.isNull())
         button->setText(QStringLiteral("‹"));
-    }
+    else
+        button->setIcon(chevron);
     button->setStyleSheet(QStringLiteral("QPushButton { color: white; background: rgba(255,255,255,30);"
                                          " border: none; border-radius: 16px; font-size: 22px; }"));
     return button;

@@ -141,21 +141,22 @@ bool BottomSheetController::eventFilter(QObject* watched, QEvent* event) {
         return true;
     }
     if (watched == containerView_) {
-        auto* mouse = static_cast<QMouseEvent*>(event);
+        // Only mouse events are read as such; other event types are not QMouseEvents.
+        const auto mouseY = [event] { return static_cast<QMouseEvent*>(event)->globalPosition().y(); };
         switch (event->type()) {
         case QEvent::MouseButtonPress:
             panning_ = true;
-            pressY_ = mouse->globalPosition().y();
+            pressY_ = mouseY();
             return true;
         case QEvent::MouseMove:
             if (panning_)
-                panChanged(mouse->globalPosition().y() - pressY_);
+                panChanged(mouseY() - pressY_);
             return panning_;
         case QEvent::MouseButtonRelease:
             if (!panning_)
                 break;
             panning_ = false;
-            panEnded(mouse->globalPosition().y() - pressY_);
+            panEnded(mouseY() - pressY_);
             return true;
         default:
             break;

@@ -6,15 +6,15 @@ root="$(cd "$(dirname "$0")/.." && pwd)"
 bash "$root/scripts/install-deps.sh"
 bash "$root/scripts/build.sh"
 bin="${LUMIVEX_BUILD_DIR:-$root/build}/bin/lumivex"
-# AI Blend needs the bundled face swap service; start it unless something already listens on its port.
-build="${LUMIVEX_BUILD_DIR:-$root/build}"
-swap_port="$(sed -n 's/^LUMIVEX_FACESWAP_PORT:STRING=//p' "$build/CMakeCache.txt" 2>/dev/null || true)"
-swap_port="${swap_port:-8787}"
-if ! (exec 3<>"/dev/tcp/127.0.0.1/$swap_port") 2>/dev/null && [ -x "$build/bin/lumivex-faceswap" ]; then
-  nohup "$build/bin/lumivex-faceswap" --host 127.0.0.1 --port "$swap_port" >>"$build/faceswap.log" 2>&1 &
-  echo "run: face swap service on http://127.0.0.1:$swap_port (log: $build/faceswap.log)"
-fi
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  # AI Blend needs the bundled face swap service; start it unless something already listens on its port.
+  build="${LUMIVEX_BUILD_DIR:-$root/build}"
+  swap_port="$(sed -n 's/^LUMIVEX_FACESWAP_PORT:STRING=//p' "$build/CMakeCache.txt" 2>/dev/null || true)"
+  swap_port="${swap_port:-8787}"
+  if ! (exec 3<>"/dev/tcp/127.0.0.1/$swap_port") 2>/dev/null && [ -x "$build/bin/lumivex-faceswap" ]; then
+    nohup "$build/bin/lumivex-faceswap" --host 127.0.0.1 --port "$swap_port" >>"$build/faceswap.log" 2>&1 &
+    echo "run: face swap service on http://127.0.0.1:$swap_port (log: $build/faceswap.log)"
+  fi
   exec "$bin" "$@"
 fi
 echo "run: no display here; running the headless demo into build/demo."

@@ -419,30 +419,26 @@ void CollageEditorViewController::didSelectTool(int index) {
     viewModel_->selectTool(index);
 }
 
+int CollageEditorViewController::optionCount() const {
+    if (panelMode_ == OptionsPanel::layout)
+        return static_cast<int>(viewModel_->layoutOptions().size());
+    if (panelMode_ == OptionsPanel::ratio)
+        return static_cast<int>(viewModel_->aspectRatioOptions().size());
+    if (panelMode_ == OptionsPanel::transform)
+        return static_cast<int>(viewModel_->transformActions().size());
+    return 0; // the feather panel and no panel have no option cells
+}
+
 void CollageEditorViewController::reloadOptions() {
-    const bool rebuild = [&] {
-        int wanted = 0;
-        if (panelMode_ == OptionsPanel::layout)
-            wanted = static_cast<int>(viewModel_->layoutOptions().size());
-        else if (panelMode_ == OptionsPanel::ratio)
-            wanted = static_cast<int>(viewModel_->aspectRatioOptions().size());
-        else if (panelMode_ == OptionsPanel::transform)
-            wanted = static_cast<int>(viewModel_->transformActions().size());
-        return wanted != optionCells_.size() ||
-               (wanted > 0 &&
-                optionCells_.front()->property("panel").toInt() != static_cast<int>(*panelMode_));
-    }();
+    const int count = optionCount();
+    // Cells are made again only when the panel or the number of options changed.
+    const bool rebuild =
+        count != optionCells_.size() ||
+        (count > 0 && optionCells_.front()->property("panel").toInt() != static_cast<int>(*panelMode_));
     if (rebuild) {
         qDeleteAll(optionCells_);
         optionCells_.clear();
-        if (panelMode_ && *panelMode_ != OptionsPanel::feather) {
-            int count = 0;
-            if (panelMode_ == OptionsPanel::layout)
-                count = static_cast<int>(viewModel_->layoutOptions().size());
-            else if (panelMode_ == OptionsPanel::ratio)
-                count = static_cast<int>(viewModel_->aspectRatioOptions().size());
-            else
-                count = static_cast<int>(viewModel_->transformActions().size());
+        if (count > 0) {
             const QSize itemSize = panelMode_ == OptionsPanel::transform ? QSize(64, 88) : QSize(64, 64);
             for (int i = 0; i < count; ++i) {
                 CollageCell* cell = nullptr;

@@ -65,6 +65,7 @@ private:
     void applyAspectRatio(std::optional<CollageAspectRatioOption> option);
     void showPanel(std::optional<OptionsPanel> panel);
     void reloadTools();
+    int optionCount() const;
     void reloadOptions();
     void loadFeathersIntoSliders();
     void presentImportPicker(int limit);

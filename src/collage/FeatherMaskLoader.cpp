@@ -48,24 +48,23 @@ bool FeatherMaskLoader::ensure(const Request& request) {
 void FeatherMaskLoader::update(QObject* owner, const Request& request, std::function<Request()> current,
                                std::function<void()> installed) {
     cancel();
+    // A view without area has no mask to make; it keeps what it had.
+    if (!hasArea(request.size))
+        return;
     const double scale = Screen::main().scale();
-    if (hasArea(request.size)) {
-        const QString key = FeatherMask::key(request.size.width(), request.size.height(),
-                                             request.horizontalFeather, request.verticalFeather, scale);
-        if (ImagePtr cached = BoundedImageCache::shared().image(key)) {
-            mask_ = std::move(cached);
-            installedRequest_ = request;
-            if (installed)
-                installed();
-            return;
-        }
+    const QString key = FeatherMask::key(request.size.width(), request.size.height(),
+                                         request.horizontalFeather, request.verticalFeather, scale);
+    if (ImagePtr cached = BoundedImageCache::shared().image(key)) {
+        mask_ = std::move(cached);
+        installedRequest_ = request;
+        if (installed)
+            installed();
+        return;
     }
     QPointer<QObject> guard(owner);
     const int generation = generation_;
     WorkItem item([guard, request, scale, current = std::move(current), installed = std::move(installed),
                    this, generation]() {
-        if (!hasArea(request.size))
-            return;
         const double w = request.size.width();
         const double h = request.size.height();
         ImagePtr mask = FeatherMask::make(w, h, request.horizontalFeather, request.verticalFeather, scale);

@@ -15,7 +15,7 @@ const QSizeF kPane(400, 600);
 // A real photo enlarged once to 4000 × 3000; a painted stand-in if the samples are not installed.
 const ImagePtr& photo() {
     static const ImagePtr image = [] {
-        QImage source(QStringLiteral("/usr/share/doc/opencv-doc/examples/data/fruits.jpg"));
+        QImage source(QStringLiteral(LUMIVEX_SAMPLES_DIR "/fruits.jpg"));
         if (source.isNull()) {
             source = QImage(400, 300, QImage::Format_RGB32);
             QPainter painter(&source);

@@ -11,12 +11,12 @@
 namespace {
 
 // Real photographs shipped with OpenCV's documentation.
-const QString photoDir = QStringLiteral("/usr/share/doc/opencv-doc/examples/data/");
+const QString photoDir = QStringLiteral(LUMIVEX_SAMPLES_DIR "/");
 
 #define REQUIRE_PHOTO(image, name)                                                                           \
     const ImagePtr image = Image::fromFile(photoDir + (name));                                               \
     if (!image)                                                                                              \
-        GTEST_SKIP() << "missing photo " << qPrintable(name);
+        FAIL() << "missing photo " << qPrintable(name);
 
 // A point given in top-left pixel coordinates of the upright picture, as measured by eye, in the
 // detector's normalised bottom-left space.

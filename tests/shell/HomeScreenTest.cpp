@@ -25,7 +25,7 @@
 
 namespace {
 
-const QString kSamples = QStringLiteral("/usr/share/doc/opencv-doc/examples/data/");
+const QString kSamples = QStringLiteral(LUMIVEX_SAMPLES_DIR "/");
 
 QStringList samplePhotos(int count) {
     static const QStringList names = {"baboon.jpg", "fruits.jpg",    "HappyFish.jpg", "home.jpg",

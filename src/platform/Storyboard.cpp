@@ -1,5 +1,6 @@
 #include "platform/Storyboard.h"
 
+#include "platform/Log.h"
 #include "platform/ViewController.h"
 
 #include <QHash>
@@ -32,7 +33,13 @@ ViewController* Storyboard::instantiate(const QString& board, const QString& ide
         std::lock_guard lock(registry().mutex);
         factory = registry().factories.value(keyFor(board, identifier));
     }
-    return factory ? factory() : nullptr;
+    if (!factory)
+        fatalError(
+            ("No screen \"" + identifier + "\" is registered in storyboard \"" + board + "\"").toStdString());
+    ViewController* screen = factory();
+    if (!screen)
+        fatalError(("The factory of screen \"" + identifier + "\" made nothing").toStdString());
+    return screen;
 }
 
 bool Storyboard::contains(const QString& board, const QString& identifier) {

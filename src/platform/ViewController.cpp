@@ -9,6 +9,36 @@
 namespace {
 constexpr double kPresentDuration = 0.3;
 constexpr int kSheetTopInset = 48;
+
+// Lies between a presented screen and what it covers and takes every pointer event aimed below.
+class PresentationShield : public QWidget {
+public:
+    explicit PresentationShield(QWidget* host) : QWidget(host) {
+        setAttribute(Qt::WA_NoSystemBackground);
+        setAttribute(Qt::WA_AcceptTouchEvents);
+        setFocusPolicy(Qt::NoFocus);
+        setObjectName(QStringLiteral("presentationShield"));
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseMove:
+        case QEvent::Wheel:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::NativeGesture:
+            event->accept();
+            return true;
+        default:
+            return QWidget::event(event);
+        }
+    }
+};
 } // namespace
 
 ViewController::ViewController(QWidget* parent) : QWidget(parent) {
@@ -18,6 +48,15 @@ ViewController::ViewController(QWidget* parent) : QWidget(parent) {
 ViewController::~ViewController() {
     if (presentationHost_)
         presentationHost_->removeEventFilter(this);
+    delete shield_.data();
+    // A screen that goes away takes what it presented with it; nothing may stay behind, orphaned.
+    if (presented_) {
+        presented_->presenting_ = nullptr;
+        presented_->hide();
+        presented_->deleteLater();
+    }
+    if (coveredScreen_)
+        coveredScreen_->show();
 }
 
 void ViewController::loadViewIfNeeded() {
@@ -61,10 +100,31 @@ QRect ViewController::presentationRect(ModalPresentationStyle style, const QRect
 }
 
 bool ViewController::eventFilter(QObject* watched, QEvent* event) {
-    // Keeps a presented screen sized to the window it lives in.
-    if (watched == presentationHost_ && event->type() == QEvent::Resize && presenting_)
+    // Keeps a presented screen, and its shield, sized to the window it lives in.
+    if (watched == presentationHost_ && event->type() == QEvent::Resize && presenting_) {
         setGeometry(presentationRect(presentationStyle_, presentationHost_->rect()));
+        if (shield_)
+            shield_->setGeometry(presentationHost_->rect());
+    }
     return QWidget::eventFilter(watched, event);
+}
+
+ViewController* ViewController::presentationContext() {
+    ViewController* context = this;
+    for (QWidget* w = parentWidget(); w && !w->isWindow(); w = w->parentWidget()) {
+        if (auto* controller = qobject_cast<ViewController*>(w))
+            context = controller;
+    }
+    return context;
+}
+
+void ViewController::dismissEverythingPresentedWithin() {
+    if (presented_)
+        dismissPresented(false, {});
+    for (ViewController* inner : findChildren<ViewController*>()) {
+        if (inner->presented_)
+            inner->dismissPresented(false, {});
+    }
 }
 
 void ViewController::present(ViewController* controller, bool animated, std::function<void()> completion) {
@@ -86,18 +146,35 @@ void ViewController::present(ViewController* controller, bool animated, std::fun
     }
     host->installEventFilter(controller);
     const QRect target = presentationRect(controller->presentationStyle_, host->rect());
+    auto* shield = new PresentationShield(host);
+    shield->setGeometry(host->rect());
+    shield->show();
+    shield->raise();
+    controller->shield_ = shield;
     // Raised before it loads, so that whatever it presents while loading stays above it.
     controller->raise();
     controller->setGeometry(target);
     controller->loadViewIfNeeded();
     controller->show();
     controller->setFocus();
-    if (!animated) {
+
+    QPointer<ViewController> guard(controller);
+    QPointer<ViewController> covered;
+    if (controller->presentationStyle_ == ModalPresentationStyle::fullScreen && !isWindow())
+        covered = presentationContext();
+    // Once a full-screen screen is up, the one it covers has left the screen.
+    auto presented = [guard, covered, completion]() {
+        if (guard && covered && guard->presenting_ && covered->isVisible()) {
+            guard->coveredScreen_ = covered;
+            covered->hide();
+        }
         if (completion)
             completion();
+    };
+    if (!animated) {
+        presented();
         return;
     }
-    QPointer<ViewController> guard(controller);
     const int startY = host->height();
     controller->move(target.x(), startY);
     Animations::animate(
@@ -106,11 +183,7 @@ void ViewController::present(ViewController* controller, bool animated, std::fun
             if (guard)
                 guard->move(target.x(), static_cast<int>(Animations::interpolate(startY, target.y(), p)));
         },
-        [completion](bool) {
-            if (completion)
-                completion();
-        },
-        AnimationCurve::easeOut);
+        [presented](bool) { presented(); }, AnimationCurve::easeOut);
 }
 
 void ViewController::dismiss(bool animated, std::function<void()> completion) {
@@ -126,14 +199,19 @@ void ViewController::dismissPresented(bool animated, std::function<void()> compl
     QPointer<ViewController> child = presented_;
     if (!child)
         return;
-    // Whatever the dismissed screen presents goes with it.
-    if (child->presented_)
-        child->dismissPresented(false, {});
+    // Whatever the dismissed screen, or a screen inside it, presents goes with it.
+    child->dismissEverythingPresentedWithin();
     presented_ = nullptr;
     child->presenting_ = nullptr;
+    // The covered screen comes back before the slide, so it is there to be seen under it.
+    if (ViewController* covered = child->coveredScreen_) {
+        child->coveredScreen_ = nullptr;
+        covered->show();
+    }
     auto finish = [child, completion]() {
         if (child) {
             child->hide();
+            delete child->shield_.data();
             child->deleteLater();
         }
         if (completion)

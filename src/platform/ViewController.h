@@ -15,6 +15,13 @@ enum class ModalPresentationStyle {
 
 // A screen: a widget with a load-once hook, appearance callbacks and modal presentation.
 // Presented screens are children of the window they appear in and are deleted when dismissed.
+//
+// A presented screen takes the input from everything under it: a clear shield beneath it swallows the
+// clicks, wheel turns and touches meant for what it covers (the strip above a page sheet included).
+// Dismissing or deleting a screen dismisses whatever it, or any screen inside it, presented.
+// A full-screen presentation hides the screen it covers once it is up, and shows it again when it
+// goes, so the covered screen hears viewWillDisappear/viewDidDisappear and later
+// viewWillAppear/viewDidAppear; the other styles leave what they cover on screen and say nothing to it.
 class ViewController : public QWidget {
     Q_OBJECT
 public:
@@ -55,6 +62,10 @@ protected:
 private:
     friend class NavigationController;
     void dismissPresented(bool animated, std::function<void()> completion);
+    // The outermost screen this one sits in, short of the window: what a full-screen presentation covers.
+    ViewController* presentationContext();
+    // Dismisses, without animation, what this screen and every screen inside it present.
+    void dismissEverythingPresentedWithin();
 
     bool viewLoaded_ = false;
     bool appeared_ = false;
@@ -62,4 +73,7 @@ private:
     QPointer<ViewController> presenting_;
     QPointer<ViewController> presented_;
     QPointer<QWidget> presentationHost_;
+    // On a presented screen: the shield under it, and the screen it hid by covering the window.
+    QPointer<QWidget> shield_;
+    QPointer<ViewController> coveredScreen_;
 };

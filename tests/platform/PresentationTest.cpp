@@ -1,4 +1,5 @@
 #include "platform/Alert.h"
+#include "platform/Animations.h"
 #include "platform/AppWindow.h"
 #include "platform/NavigationController.h"
 #include "platform/ProgressHud.h"
@@ -9,6 +10,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 namespace {
@@ -141,14 +143,152 @@ TEST(AlertCard, ButtonDismissesThenRunsHandlerAndKeysPickActions) {
     EXPECT_FALSE(second->triggerAction(QStringLiteral("missing")));
 }
 
-TEST(StoryboardRegistry, UnknownNamesGiveNull) {
+TEST(StoryboardRegistry, UnknownNameOrWrongClassStopsWithTheName) {
     Storyboard::registerController(QStringLiteral("Main"), QStringLiteral("Known"),
                                    [] { return new ViewController; });
     std::unique_ptr<ViewController> made(
         Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("Known")));
     EXPECT_NE(made, nullptr);
-    EXPECT_EQ(Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("Unknown")), nullptr);
-    EXPECT_EQ(Storyboard::instantiate(QStringLiteral("Other"), QStringLiteral("Known")), nullptr);
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("Unknown")), "Unknown");
+    EXPECT_DEATH(Storyboard::instantiate(QStringLiteral("Other"), QStringLiteral("Known")), "Other");
+    EXPECT_DEATH(Storyboard::instantiate<Alert>(QStringLiteral("Main"), QStringLiteral("Known")), "Alert");
+}
+
+// Appearance calls, counted.
+class Watched : public ViewController {
+public:
+    using ViewController::ViewController;
+    QStringList calls;
+
+protected:
+    void viewWillAppear(bool) override { calls << "willAppear"; }
+    void viewDidAppear(bool) override { calls << "didAppear"; }
+    void viewWillDisappear(bool) override { calls << "willDisappear"; }
+    void viewDidDisappear(bool) override { calls << "didDisappear"; }
+};
+
+TEST(Presentation, OnlyFullScreenTellsTheCoveredScreenItLeavesAndReturns) {
+    AppWindow window;
+    auto* root = new Watched;
+    window.setRootViewController(root);
+    window.makeKeyAndVisible();
+    ASSERT_EQ(root->calls, QStringList({"willAppear", "didAppear"}));
+    root->calls.clear();
+
+    for (ModalPresentationStyle style :
+         {ModalPresentationStyle::pageSheet, ModalPresentationStyle::overCurrentContext,
+          ModalPresentationStyle::overFullScreen}) {
+        auto* over = new ViewController;
+        over->setModalPresentationStyle(style);
+        root->present(over, true);
+        root->dismiss(true);
+        EXPECT_TRUE(root->calls.isEmpty()) << static_cast<int>(style);
+        EXPECT_TRUE(root->isVisible());
+    }
+
+    // A screen inside a navigation controller presents: the whole navigation controller is covered.
+    auto* nav = new NavigationController(new Watched);
+    nav->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
+    root->present(nav, true);
+    EXPECT_EQ(root->calls, QStringList({"willDisappear", "didDisappear"}));
+    EXPECT_FALSE(root->isVisible());
+    auto* inner = static_cast<Watched*>(nav->topViewController());
+    inner->calls.clear();
+    auto* cover = new ViewController;
+    cover->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
+    inner->present(cover, true);
+    EXPECT_EQ(inner->calls, QStringList({"willDisappear", "didDisappear"}));
+    EXPECT_FALSE(nav->isVisible());
+
+    inner->dismiss(true);
+    EXPECT_TRUE(nav->isVisible());
+    EXPECT_EQ(inner->calls, QStringList({"willDisappear", "didDisappear", "willAppear", "didAppear"}));
+    root->calls.clear();
+    root->dismiss(true);
+    EXPECT_EQ(root->calls, QStringList({"willAppear", "didAppear"}));
+    EXPECT_TRUE(root->isVisible());
+}
+
+TEST(Presentation, CoveredScreenLeavesOnlyOnceTheSlideIsOver) {
+    const bool wasInstant = Animations::isInstant();
+    Animations::setInstant(false);
+    AppWindow window;
+    auto* root = new Watched;
+    window.setRootViewController(root);
+    window.makeKeyAndVisible();
+    root->calls.clear();
+    auto* cover = new ViewController;
+    cover->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
+    bool done = false;
+    root->present(cover, true, [&] { done = true; });
+    EXPECT_TRUE(root->isVisible()); // still to be seen under the rising screen
+    EXPECT_TRUE(testsupport::waitUntil([&] { return done; }, 3000));
+    EXPECT_FALSE(root->isVisible());
+    EXPECT_EQ(root->calls, QStringList({"willDisappear", "didDisappear"}));
+    root->dismiss(true);
+    EXPECT_TRUE(root->isVisible()); // back at once, under the falling screen
+    Animations::setInstant(wasInstant);
+}
+
+TEST(Presentation, PresentedScreenTakesTheInputOfWhatItCovers) {
+    AppWindow window;
+    auto* root = new ViewController;
+    // A back button in the strip that a page sheet leaves visible.
+    auto* back = new QPushButton(QStringLiteral("Back"), root);
+    back->setGeometry(16, 8, 32, 32);
+    int taps = 0;
+    QObject::connect(back, &QPushButton::clicked, [&] { ++taps; });
+    window.setRootViewController(root);
+    window.makeKeyAndVisible();
+    QWindow* handle = window.windowHandle();
+    ASSERT_NE(handle, nullptr);
+    const QPoint where = back->geometry().center();
+    QTest::mouseClick(handle, Qt::LeftButton, {}, where);
+    ASSERT_EQ(taps, 1);
+
+    QPointer<ViewController> sheet = new ViewController;
+    root->present(sheet, false);
+    ASSERT_GT(sheet->geometry().top(), where.y());
+    QTest::mouseClick(handle, Qt::LeftButton, {}, where);
+    EXPECT_EQ(taps, 1);
+
+    root->dismiss(false);
+    flushDeletes();
+    QTest::mouseClick(handle, Qt::LeftButton, {}, where);
+    EXPECT_EQ(taps, 2); // the shield goes with the screen
+}
+
+TEST(Presentation, AScreenThatGoesTakesWhatItsInnerScreensPresented) {
+    AppWindow window;
+    auto* root = new ViewController;
+    window.setRootViewController(root);
+    window.makeKeyAndVisible();
+
+    // A flow in a navigation controller whose inner screen shows a picker-like sheet.
+    auto* inner = new ViewController;
+    QPointer<NavigationController> flow = new NavigationController(inner);
+    flow->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
+    root->present(flow, false);
+    QPointer<ViewController> sheet = new ViewController;
+    inner->present(sheet, false);
+    flow->dismiss(false); // the flow leaves as a whole, as a back button does
+    flushDeletes();
+    EXPECT_TRUE(flow.isNull());
+    EXPECT_TRUE(sheet.isNull());
+    EXPECT_TRUE(window.findChildren<ViewController*>().contains(root));
+    EXPECT_EQ(window.childAt(window.rect().center()), root); // no shield left behind over the root
+
+    // A screen deleted by its owner (a popped page) takes its presentation along too.
+    auto* page = new ViewController;
+    auto* nav = new NavigationController(new ViewController);
+    root->present(nav, false);
+    nav->pushViewController(page, false);
+    QPointer<ViewController> alert = new ViewController;
+    page->present(alert, false);
+    nav->popViewController(false);
+    flushDeletes();
+    EXPECT_TRUE(alert.isNull());
 }
 
 TEST(BusyIndicator, BlocksInputUntilDismissed) {

@@ -2,11 +2,14 @@
 
 #include "platform/Animations.h"
 
+#include <QAbstractButton>
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPointer>
 #include <QVBoxLayout>
+#include <cmath>
 
 namespace {
 constexpr double kSnapBackDuration = 0.3;
@@ -81,7 +84,6 @@ void BottomSheetController::viewDidLoad() {
 
     containerView_ = new SheetContainerView(&cornerRadius_, this);
     containerView_->setObjectName(QStringLiteral("containerView"));
-    containerView_->installEventFilter(this);
     containerLayout_ = new QVBoxLayout(containerView_);
     containerLayout_->setContentsMargins(20, 16, 20, 24);
     containerLayout_->setSpacing(12);
@@ -135,32 +137,72 @@ void BottomSheetController::dismissSheet(std::function<void()> completion) {
     dismiss(true, std::move(completion));
 }
 
+void BottomSheetController::showEvent(QShowEvent* event) {
+    ViewController::showEvent(event);
+    // Rows inside the container take their own presses; watching the application lets a drag that
+    // starts on a row move the sheet as well.
+    qApp->installEventFilter(this);
+}
+
+void BottomSheetController::hideEvent(QHideEvent* event) {
+    qApp->removeEventFilter(this);
+    panning_ = false;
+    pressTarget_ = nullptr;
+    ViewController::hideEvent(event);
+}
+
+bool BottomSheetController::handleContainerMouse(QWidget* target, QEvent* event) {
+    // Only mouse events are read as such; other event types are not QMouseEvents.
+    const auto mouseY = [event] { return static_cast<QMouseEvent*>(event)->globalPosition().y(); };
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        if (pressTarget_ || static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton)
+            return false;
+        pressTarget_ = target;
+        pressY_ = mouseY();
+        panning_ = false;
+        // A press on the bare container is the sheet's own; a row keeps its press until it is dragged.
+        return target == containerView_;
+    case QEvent::MouseMove: {
+        if (target != pressTarget_)
+            return false;
+        const double dy = mouseY() - pressY_;
+        if (!panning_ && std::abs(dy) >= QApplication::startDragDistance()) {
+            panning_ = true;
+            // The row under the finger no longer counts as pressed: a drag is not a tap.
+            if (auto* button = qobject_cast<QAbstractButton*>(target))
+                button->setDown(false);
+        }
+        if (panning_)
+            panChanged(dy);
+        return panning_ || target == containerView_;
+    }
+    case QEvent::MouseButtonRelease: {
+        if (target != pressTarget_)
+            return false;
+        pressTarget_ = nullptr;
+        if (!panning_)
+            return target == containerView_;
+        panning_ = false;
+        panEnded(mouseY() - pressY_);
+        // Swallowed, so the row the drag began on is not picked.
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
 bool BottomSheetController::eventFilter(QObject* watched, QEvent* event) {
     if (watched == topView_ && event->type() == QEvent::MouseButtonRelease) {
         dismissSheet();
         return true;
     }
-    if (watched == containerView_) {
-        // Only mouse events are read as such; other event types are not QMouseEvents.
-        const auto mouseY = [event] { return static_cast<QMouseEvent*>(event)->globalPosition().y(); };
-        switch (event->type()) {
-        case QEvent::MouseButtonPress:
-            panning_ = true;
-            pressY_ = mouseY();
+    if (containerView_ && watched->isWidgetType()) {
+        auto* widget = static_cast<QWidget*>(watched);
+        if ((widget == containerView_ || containerView_->isAncestorOf(widget)) &&
+            handleContainerMouse(widget, event))
             return true;
-        case QEvent::MouseMove:
-            if (panning_)
-                panChanged(mouseY() - pressY_);
-            return panning_;
-        case QEvent::MouseButtonRelease:
-            if (!panning_)
-                break;
-            panning_ = false;
-            panEnded(mouseY() - pressY_);
-            return true;
-        default:
-            break;
-        }
     }
     return ViewController::eventFilter(watched, event);
 }

@@ -3,6 +3,7 @@
 #include "platform/ViewController.h"
 
 #include <QColor>
+#include <QPointer>
 
 class QVBoxLayout;
 
@@ -46,9 +47,13 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     void layoutSheet();
+    // A press, drag or release on the container or anything inside it; answers whether it was taken.
+    bool handleContainerMouse(QWidget* target, QEvent* event);
 
     QColor backgroundColor_;
     QWidget* topView_ = nullptr;
@@ -59,4 +64,5 @@ private:
     double translation_ = 0;
     double pressY_ = 0;
     bool panning_ = false;
+    QPointer<QWidget> pressTarget_;
 };

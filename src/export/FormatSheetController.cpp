@@ -95,10 +95,8 @@ void FormatSheetController::viewDidLoad() {
 }
 
 SavingTypeController* FormatSheetController::openSavingTypeChooser() {
-    auto* chooser = qobject_cast<SavingTypeController*>(
-        Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("SavingTypeController")));
-    if (!chooser)
-        return nullptr;
+    auto* chooser = Storyboard::instantiate<SavingTypeController>(QStringLiteral("Main"),
+                                                                  QStringLiteral("SavingTypeController"));
     chooser->setModalPresentationStyle(ModalPresentationStyle::overCurrentContext);
     chooser->selectedIndex = static_cast<int>(savingType());
     chooser->delegate = this;

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QTest>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 namespace {
@@ -99,6 +100,61 @@ TEST_F(Chooser, ADelegateThatIsGoneIsNotCalled) {
     delete other;
     chooser->didSelectRow(0); // must not touch the deleted delegate
     EXPECT_TRUE(editor->chosen.isEmpty());
+}
+
+// A drag that starts on a row moves the sheet: far enough, it closes; short, it snaps back. Either way the
+// row it started on is not picked. Driven through the window, where the row takes the press.
+TEST_F(Chooser, DragStartedOnARowMovesTheSheetInsteadOfPickingTheRow) {
+    QPointer<SavingTypeController> chooser = open(true);
+    QWindow* handle = window.windowHandle();
+    ASSERT_NE(handle, nullptr);
+    SavingTypeCell* row = chooser->cellForRow(2);
+    const QPoint start = row->mapTo(&window, row->rect().center());
+    ASSERT_EQ(window.childAt(start)->window(), &window);
+
+    QTest::mousePress(handle, Qt::LeftButton, {}, start);
+    QTest::mouseMove(handle, start + QPoint(0, 20));
+    QTest::mouseMove(handle, start + QPoint(0, 40));
+    EXPECT_NEAR(chooser->containerTranslation(), 40, 1);
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, start + QPoint(0, 40));
+    EXPECT_TRUE(editor->chosen.isEmpty());
+    EXPECT_EQ(chooser->containerTranslation(), 0); // snapped back
+    EXPECT_EQ(editor->presentedViewController(), chooser);
+
+    const int far = static_cast<int>(chooser->dismissThreshold()) + 30;
+    QTest::mousePress(handle, Qt::LeftButton, {}, start);
+    for (int dy = 20; dy <= far; dy += 20)
+        QTest::mouseMove(handle, start + QPoint(0, dy));
+    QTest::mouseRelease(handle, Qt::LeftButton, {}, start + QPoint(0, far));
+    EXPECT_TRUE(editor->chosen.isEmpty());
+    EXPECT_EQ(editor->presentedViewController(), nullptr);
+
+    // A plain tap still picks.
+    chooser = open(true);
+    row = chooser->cellForRow(2);
+    QTest::mouseClick(handle, Qt::LeftButton, {}, row->mapTo(&window, row->rect().center()));
+    EXPECT_EQ(editor->chosen.size(), 1);
+}
+
+// Each row, clicked, stands for its own format; the titles say which.
+TEST_F(Chooser, EveryRowPicksItsOwnFormat) {
+    const QList<SavingtypeMethod> formats = {SavingtypeMethod::JPG,      SavingtypeMethod::PNG,
+                                             SavingtypeMethod::PDFStandard, SavingtypeMethod::PDFPrint,
+                                             SavingtypeMethod::SVG,      SavingtypeMethod::MP4Video,
+                                             SavingtypeMethod::TIFF};
+    const QStringList titles = {"JPG", "PNG", "PDF Standard", "PDF Print", "SVG", "MP4 Video", "TIFF"};
+    for (int row = 0; row < formats.size(); ++row) {
+        SavingTypeController* chooser = open(true);
+        EXPECT_EQ(chooser->cellForRow(row)->saveformatnameLbl()->text(), titles[row]) << row;
+        QTest::mouseClick(chooser->cellForRow(row), Qt::LeftButton);
+        ASSERT_EQ(editor->chosen.size(), row + 1) << row;
+        EXPECT_EQ(editor->chosen.last(), formats[row]) << row;
+    }
+    // Rows past the end count as the last format, and a negative one picks nothing.
+    EXPECT_EQ(savingTypeForRow(9), SavingtypeMethod::TIFF);
+    SavingTypeController* chooser = open(true);
+    chooser->didSelectRow(-1);
+    EXPECT_EQ(editor->chosen.size(), formats.size());
 }
 
 } // namespace

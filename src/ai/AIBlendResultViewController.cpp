@@ -1,7 +1,6 @@
 #include "ai/AIBlendResultViewController.h"
 
 #include "ai/AIBlendViews.h"
-#include "export/ExportScreens.h"
 #include "export/RateShareController.h"
 #include "platform/Animations.h"
 #include "platform/Dispatch.h"
@@ -113,13 +112,8 @@ void AIBlendResultViewController::showPicture(const ImagePtr& picture) {
 
 void AIBlendResultViewController::applyClick() {
     // No advertisement is ever loaded here, so the share step runs at once.
-    const QString board = QStringLiteral("Main");
-    const QString identifier = QStringLiteral("RateShareController");
-    if (!Storyboard::contains(board, identifier))
-        registerExportScreens();
-    auto* share = qobject_cast<RateShareController*>(Storyboard::instantiate(board, identifier));
-    if (!share)
-        return;
+    auto* share = Storyboard::instantiate<RateShareController>(QStringLiteral("Main"),
+                                                               QStringLiteral("RateShareController"));
     share->shareImage = resultImage_;
     share->fetchData = SavingtypeMethod::JPG;
     share->setModalPresentationStyle(ModalPresentationStyle::overCurrentContext);

@@ -250,10 +250,10 @@ QAbstractButton* makeBlendBackButton(QWidget* parent) {
     button->setCursor(Qt::PointingHandCursor);
     button->setStyleSheet(QStringLiteral("QPushButton { background: rgba(0, 0, 0, 89); border: none; "
                                          "border-radius: 16px; }"));
-    const QImage chevron = whiteSymbol(QStringLiteral("chevron.left"), 18);
+    const QIcon chevron = Assets::symbol(QStringLiteral("chevron.left"), 16);
     if (!chevron.isNull()) {
-        button->setIcon(QIcon(QPixmap::fromImage(chevron)));
-        button->setIconSize(QSize(18, 18));
+        button->setIcon(chevron);
+        button->setIconSize(QSize(16, 16));
     } else {
         button->setText(QStringLiteral("‹"));
     }

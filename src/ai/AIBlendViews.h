@@ -6,9 +6,9 @@
 #include <QColor>
 #include <QLabel>
 #include <QList>
+#include <QPointer>
+#include <QVariantAnimation>
 #include <QWidget>
-
-class QVariantAnimation;
 
 // The small views the three blend screens share.
 
@@ -69,7 +69,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QVariantAnimation* spin_ = nullptr;
+    QPointer<QVariantAnimation> spin_;
     double rotation_ = 0.0;
 };
 
@@ -106,7 +106,8 @@ private:
 
     QImage icon_;
     double gradientOpacity_ = 1.0;
-    QVariantAnimation* highlight_ = nullptr;
+    // The animation deletes itself when it stops; the guarded pointer notices.
+    QPointer<QVariantAnimation> highlight_;
 };
 
 // A round dark button with the back chevron.

@@ -9,6 +9,7 @@
 #include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
 
+#include <QEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QScrollArea>
@@ -50,6 +51,9 @@ void AIBlendingViewController::viewDidLoad() {
         QStringLiteral("QScrollArea, QScrollArea > QWidget > QWidget { background: black; }"));
     grid_ = new QWidget;
     collection_->setWidget(grid_);
+    // The viewport gets its real width only once the scroll area has been laid out, which for a
+    // screen still hidden is after this one's resize: the cells follow the viewport, not the screen.
+    collection_->viewport()->installEventFilter(this);
     for (int item = 0; item < AssetNames::templateCount; ++item) {
         auto* cell = new AIBlendingThumbnailCell(grid_);
         connect(cell, &QAbstractButton::clicked, this, [this, item] { didSelectItem(item); });
@@ -77,6 +81,12 @@ void AIBlendingViewController::resizeEvent(QResizeEvent* event) {
     dividerView_->setGeometry(0, 124, w, 1);
     collection_->setGeometry(0, 125, w, std::max(0, height() - 125));
     layoutCells();
+}
+
+bool AIBlendingViewController::eventFilter(QObject* watched, QEvent* event) {
+    if (collection_ && watched == collection_->viewport() && event->type() == QEvent::Resize)
+        layoutCells();
+    return ViewController::eventFilter(watched, event);
 }
 
 void AIBlendingViewController::layoutCells() {

@@ -42,6 +42,7 @@ protected:
     void viewDidLoad() override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void reloadThumbnails();

@@ -3,6 +3,7 @@
 #include "ai/AIBlendViews.h"
 #include "ai/AIBlendingViewController.h"
 #include "platform/Alert.h"
+#include "platform/Animations.h"
 #include "platform/AppWindow.h"
 #include "platform/Assets.h"
 #include "platform/ImageView.h"
@@ -212,6 +213,43 @@ TEST(BlendResult, ZeroWidthResultGetsASquareCardAndCompareHoldsThePhoto) {
     QTest::mouseRelease(result->compareButton(), Qt::LeftButton, {}, QPoint(-50, -50));
     EXPECT_TRUE(testsupport::waitUntil(
         [&] { return result->resultImageView()->image() == result->resultImage(); }, 1000));
+}
+
+TEST_F(BlendFlow, TemplatesAreTwoSquareColumnsAcrossTheScreen) {
+    QCoreApplication::processEvents();
+    const QList<AIBlendingThumbnailCell*>& cells = blending->cells();
+    ASSERT_GE(cells.size(), 4);
+    const int viewport = blending->thumbnailCollectionView()->viewport()->width();
+    EXPECT_GT(viewport, 340);
+    const int side = (viewport - 48) / 2;
+    for (int item : {0, 1, 2, 3}) {
+        EXPECT_EQ(cells[item]->size(), QSize(side, side)) << item;
+    }
+    EXPECT_EQ(cells[1]->x() - cells[0]->x(), side + 16);
+    EXPECT_EQ(cells[2]->y() - cells[0]->y(), side + 16);
+}
+
+// Held longer than the highlight's fade, then let go: the fade that ended is gone, and the button must
+// not reach for it (it used to, and crashed on the next press or click).
+TEST(BlendResult, HoldingCompareThroughItsFadeThenApplyingIsSafe) {
+    const bool wasInstant = Animations::isInstant();
+    Animations::setInstant(false);
+    GradientPillButton button(QStringLiteral("Compare"));
+    button.resize(160, 50);
+    button.show();
+    for (int round = 0; round < 2; ++round) {
+        QTest::mousePress(&button, Qt::LeftButton);
+        ASSERT_TRUE(testsupport::waitUntil([&] { return button.gradientOpacity() <= 0.8 + 1e-9; }, 2000));
+        testsupport::spin(60);
+        QTest::mouseRelease(&button, Qt::LeftButton);
+        EXPECT_TRUE(testsupport::waitUntil([&] { return button.gradientOpacity() >= 1.0 - 1e-9; }, 2000));
+    }
+    // A release during the fade-out of the press turns it around from where it stands.
+    QTest::mousePress(&button, Qt::LeftButton);
+    testsupport::spin(40);
+    QTest::mouseRelease(&button, Qt::LeftButton);
+    EXPECT_TRUE(testsupport::waitUntil([&] { return button.gradientOpacity() >= 1.0 - 1e-9; }, 2000));
+    Animations::setInstant(wasInstant);
 }
 
 } // namespace

@@ -211,4 +211,37 @@ QIcon icon(const QString& name) {
     return picture ? QIcon(QPixmap::fromImage(picture->uprightBitmap())) : QIcon();
 }
 
+QIcon symbol(const QString& name, int side) {
+    const ImagePtr picture = image(name);
+    if (!picture || side <= 0)
+        return {};
+    const QImage bitmap = picture->uprightBitmap().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    int left = bitmap.width(), top = bitmap.height(), right = -1, bottom = -1;
+    for (int y = 0; y < bitmap.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(bitmap.constScanLine(y));
+        for (int x = 0; x < bitmap.width(); ++x) {
+            if (qAlpha(row[x]) == 0)
+                continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = std::min(top, y);
+            bottom = std::max(bottom, y);
+        }
+    }
+    if (right < 0)
+        return {};
+    // Drawn at three pixels a point, so it stays sharp on dense screens.
+    constexpr int kPixelsPerPoint = 3;
+    const int canvasSide = side * kPixelsPerPoint;
+    const QImage ink = bitmap.copy(QRect(QPoint(left, top), QPoint(right, bottom)));
+    const QImage fitted = ink.scaled(canvasSide, canvasSide, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    QImage canvas(canvasSide, canvasSide, QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    QPainter painter(&canvas);
+    painter.drawImage((canvasSide - fitted.width()) / 2, (canvasSide - fitted.height()) / 2, fitted);
+    painter.end();
+    canvas.setDevicePixelRatio(kPixelsPerPoint);
+    return QIcon(QPixmap::fromImage(canvas));
+}
+
 } // namespace Assets

@@ -25,6 +25,11 @@ ImagePtr image(const QString& name);
 // The picture of that name as a button icon; a null icon when there is none.
 QIcon icon(const QString& name);
 
+// A symbol at a size, as a button icon: the picture cropped to what it draws and fitted, centred, into a
+// square of `side` points, so a glyph drawn with a wide margin still fills the place it is given. Null
+// when there is no such picture or it draws nothing.
+QIcon symbol(const QString& name, int side);
+
 // Absolute path of the file `name.ext` (or just `name` when `ext` is empty) in the first folder that
 // has it.
 std::optional<QString> resourceURL(const QString& name, const QString& ext);

@@ -45,8 +45,12 @@ std::optional<PickerConfiguration>& lastPickerConfiguration() {
 
 QStringList namePatterns(bool imagesOnly) {
     QStringList patterns;
-    for (const QByteArray& format : QImageReader::supportedImageFormats())
+    for (const QByteArray& format : QImageReader::supportedImageFormats()) {
+        // Drawings are not photos: a vector picture has no pixel size of its own to edit.
+        if (format.startsWith("svg"))
+            continue;
         patterns << QStringLiteral("*.") + QString::fromLatin1(format);
+    }
     if (!imagesOnly)
         patterns << QStringLiteral("*.mp4") << QStringLiteral("*.mov") << QStringLiteral("*.m4v");
     return patterns;
@@ -444,8 +448,9 @@ void PhotoPicker::refreshSelectionState() {
     }
     const int count = static_cast<int>(selection_.size());
     if (count == 0)
-        titleLabel_->setText(limit > 0 ? QStringLiteral("Choose up to %1").arg(photosText(limit))
-                                       : QStringLiteral("Photos"));
+        titleLabel_->setText(limit == 1  ? QStringLiteral("Choose a photo")
+                             : limit > 0 ? QStringLiteral("Choose up to %1").arg(photosText(limit))
+                                         : QStringLiteral("Photos"));
     else if (limit > 0)
         titleLabel_->setText(QStringLiteral("%1 of %2 Selected").arg(count).arg(limit));
     else

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QPixmap>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -105,6 +106,36 @@ TEST_F(AssetsTest, ResourceUrlNeedsTheRightExtension) {
     EXPECT_EQ(Assets::resourceURL("silence.m4a", ""), silence);
     EXPECT_FALSE(Assets::resourceURL("silence", ""));
     EXPECT_FALSE(Assets::resourceURL("silence", "mp3"));
+}
+
+// A narrow glyph in a wide margin fills the height it is given and keeps its shape, centred.
+TEST_F(AssetsTest, SymbolIsCroppedToItsInkAndFitted) {
+    QImage glyph(90, 90, QImage::Format_ARGB32_Premultiplied);
+    glyph.fill(Qt::transparent);
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 10; ++x)
+            glyph.setPixel(60 + x, 20 + y, qRgba(255, 255, 255, 255));
+    ASSERT_TRUE(glyph.save(bundled.filePath("chevron.left.png")));
+    const QIcon icon = Assets::symbol(QStringLiteral("chevron.left"), 18);
+    ASSERT_FALSE(icon.isNull());
+    const QImage drawn = icon.pixmap(QSize(18, 18), 3.0).toImage().convertToFormat(QImage::Format_ARGB32);
+    ASSERT_EQ(drawn.size(), QSize(54, 54));
+    int left = 54, right = -1, top = 54, bottom = -1;
+    for (int y = 0; y < 54; ++y)
+        for (int x = 0; x < 54; ++x)
+            if (qAlpha(drawn.pixel(x, y)) > 128) {
+                left = std::min(left, x), right = std::max(right, x);
+                top = std::min(top, y), bottom = std::max(bottom, y);
+            }
+    EXPECT_EQ(top, 0);
+    EXPECT_EQ(bottom, 53);                      // the full height
+    EXPECT_NEAR(right - left + 1, 18, 1);       // a third as wide, as drawn
+    EXPECT_NEAR((left + right) / 2.0, 26.5, 1); // centred across
+    EXPECT_TRUE(Assets::symbol(QStringLiteral("missing"), 18).isNull());
+    QImage empty(20, 20, QImage::Format_ARGB32_Premultiplied);
+    empty.fill(Qt::transparent);
+    ASSERT_TRUE(empty.save(bundled.filePath("blank.png")));
+    EXPECT_TRUE(Assets::symbol(QStringLiteral("blank"), 18).isNull());
 }
 
 TEST(AssetsDefaultsTest, UserFolderComesFirstThenTheInstalledOnes) {

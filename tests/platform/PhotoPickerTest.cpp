@@ -239,9 +239,26 @@ TEST_F(PickerTest, WithRoomForOneATapIsTheChoice) {
     PhotoPicker* picker = presentSheet(1);
     ASSERT_NE(picker, nullptr);
     EXPECT_EQ(picker->addButton()->text(), QStringLiteral("Done"));
+    QStringList titles;
+    for (QLabel* label : picker->findChildren<QLabel*>())
+        titles << label->text();
+    EXPECT_TRUE(titles.contains(QStringLiteral("Choose a photo"))) << qPrintable(titles.join(" | "));
     QTest::mouseClick(picker->cellForFile(a), Qt::LeftButton);
     ASSERT_TRUE(testsupport::waitUntil([this] { return results.has_value(); }));
     EXPECT_EQ(resultPaths(), QStringList({a}));
+}
+
+// Drawings are not offered as photos; pictures of every other kind are.
+TEST_F(PickerTest, OffersPhotosButNotDrawings) {
+    const QString photo = writePicture(album, QStringLiteral("photo.png"), QSize(20, 20));
+    QFile drawing(album.filePath(QStringLiteral("logo.svg")));
+    ASSERT_TRUE(drawing.open(QIODevice::WriteOnly));
+    drawing.write("<svg xmlns='http://www.w3.org/2000/svg' width='10' height='10'/>");
+    drawing.close();
+    PhotoPicker* picker = presentSheet(3);
+    ASSERT_NE(picker, nullptr);
+    EXPECT_TRUE(picker->shownFiles().contains(photo));
+    EXPECT_FALSE(picker->shownFiles().contains(drawing.fileName()));
 }
 
 } // namespace

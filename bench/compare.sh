@@ -1,13 +1,14 @@
 #!/bin/sh
 # Runs the mask and backdrop benchmarks and prints each against its yardstick, as a ratio of mean
-# real times (lower is better): BM_FeatherMask / BM_WriteFloor and BM_BackdropBlur / BM_BackdropBlurOpenCV.
+# real times (lower is better): BM_FeatherMask / BM_WriteFloor, BM_BackdropBlur / BM_BackdropBlurOpenCV and
+# BM_ApplyLook12MP / BM_ApplyLookFFmpeg (a colour look on 12 MP against FFmpeg's lut3d, both on one thread).
 # Usage: bench/compare.sh [path/to/lumivex_bench] [repetitions]
 set -eu
 bench=${1:-build/bin/lumivex_bench}
 reps=${2:-5}
 out=$(mktemp)
 trap 'rm -f "$out"' EXIT
-"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV|FeatherDragMainThread)(/|$)' \
+"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV|FeatherDragMainThread|ApplyLook12MP|ApplyLookFFmpeg|ApplyLook12MPPool)(/|$)' \
     --benchmark_repetitions="$reps" --benchmark_report_aggregates_only=true \
     --benchmark_format=json >"$out"
 python3 - "$out" <<'PY'
@@ -20,7 +21,8 @@ def stat(name, agg):
             return r["real_time"], r["time_unit"]
     raise SystemExit("missing " + name)
 for num, den, target in (("BM_FeatherMask", "BM_WriteFloor", 2.0),
-                         ("BM_BackdropBlur", "BM_BackdropBlurOpenCV", 1.0)):
+                         ("BM_BackdropBlur", "BM_BackdropBlurOpenCV", 1.0),
+                         ("BM_ApplyLook12MP", "BM_ApplyLookFFmpeg", 0.25)):
     (a, ua), (b, ub) = stat(num, "mean"), stat(den, "mean")
     (ma, _), (mb, _) = stat(num, "median"), stat(den, "median")
     assert ua == ub, "time units differ"
@@ -30,4 +32,6 @@ drag, unit = stat("BM_FeatherDragMainThread", "mean")
 scale = {"ns": 1e-6, "us": 1e-3, "ms": 1.0}[unit]
 print(f"BM_FeatherDragMainThread: {drag * scale:.3f} ms of main-thread work per slider event "
       f"= {drag * scale:.2f} of the 1 ms budget")
+pool, unit = stat("BM_ApplyLook12MPPool", "mean")
+print(f"BM_ApplyLook12MPPool: {pool:.1f} {unit} for the 12 MP look on the whole worker pool")
 PY

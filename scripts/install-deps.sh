@@ -15,6 +15,8 @@ PACKAGES=(
   libopencv-dev opencv-data opencv-doc
   # video
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
+  # the lut3d filter the colour look benchmark measures against
+  libavfilter-dev
   # PDF, HTTP
   libhpdf-dev libcpp-httplib-dev
   # tests and benchmarks

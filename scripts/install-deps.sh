@@ -13,6 +13,8 @@ PACKAGES=(
   gstreamer1.0-plugins-good gstreamer1.0-libav
   # vision and pixel work, with the Haar cascades and sample photographs
   libopencv-dev opencv-data opencv-doc
+  # reduced decoding of photos: scaled-DCT JPEG, row-by-row PNG
+  libturbojpeg0-dev libpng-dev
   # video
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
   # the lut3d filter the colour look benchmark measures against

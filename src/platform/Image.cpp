@@ -1,5 +1,9 @@
 #include "platform/Image.h"
 
+#include "platform/JpegScaledDecoder.h"
+#include "platform/PhotoMemoryBudget.h"
+#include "platform/PngReducedDecoder.h"
+
 #include <QBuffer>
 #include <QFile>
 #include <QImageIOHandler>
@@ -213,13 +217,115 @@ bool isValidScale(double scale) {
     return std::isfinite(scale) && scale > 0;
 }
 
-ImagePtr decode(const QByteArray& data, double scale, QString* error) {
-    auto fail = [error](const QString& reason) {
+std::int64_t bytesFor(QSize size) {
+    return std::int64_t(size.width()) * size.height() * 4;
+}
+
+// The fraction of the stored sides a picture needs to cover `box` either way round; 1 for no box.
+double coverFactor(QSize stored, QSize box) {
+    if (box.isEmpty())
+        return 1.0;
+    const double longer = std::max(stored.width(), stored.height());
+    const double shorter = std::min(stored.width(), stored.height());
+    const double factor =
+        std::max(std::max(box.width(), box.height()) / longer, std::min(box.width(), box.height()) / shorter);
+    return std::min(1.0, factor);
+}
+
+bool isJpegFormat(const QByteArray& format) {
+    return format == "jpeg" || format == "jpg";
+}
+
+// How a picture can be decoded smaller: JPEG in eighths inside its decoder, PNG by whole-number block
+// averages a row at a time, WebP and SVG by their Qt readers at any size; anything else is decoded whole
+// and then scaled, holding the whole picture for a moment.
+enum class Reduction { jpegSteps, pngBlocks, reader, afterDecode };
+
+Reduction reductionFor(const QByteArray& format, const QByteArray& data) {
+    if (isJpegFormat(format))
+        return Reduction::jpegSteps;
+    if (format == "png")
+        return PngReducedDecoder::canDecodeRowByRow(data) ? Reduction::pngBlocks : Reduction::afterDecode;
+    if (format == "webp" || format == "svg" || format == "svgz")
+        return Reduction::reader;
+    return Reduction::afterDecode;
+}
+
+// The sizes a picture stored at `stored` can be decoded at.
+struct SizePlan {
+    QSize stored;
+    Reduction reduction;
+
+    // Sizes the decoder can give, smallest first, ending with the stored size; empty when any will do.
+    std::vector<QSize> steps() const {
+        if (reduction == Reduction::jpegSteps)
+            return JpegScaledDecoder::stepSizes(stored);
+        std::vector<QSize> sizes;
+        if (reduction == Reduction::pngBlocks) {
+            for (int divisor = std::max(stored.width(), stored.height()); divisor >= 1; --divisor)
+                if (sizes.empty() || sizes.back() != PngReducedDecoder::reducedSize(stored, divisor))
+                    sizes.push_back(PngReducedDecoder::reducedSize(stored, divisor));
+        }
+        return sizes;
+    }
+
+    // The smallest size whose sides are both at least `factor` of the stored ones.
+    QSize covering(double factor) const {
+        if (factor >= 1.0)
+            return stored;
+        for (const QSize size : steps())
+            if (size.width() >= stored.width() * factor && size.height() >= stored.height() * factor)
+                return size;
+        if (reduction == Reduction::jpegSteps || reduction == Reduction::pngBlocks)
+            return stored;
+        return QSize(std::clamp(int(std::ceil(stored.width() * factor)), 1, stored.width()),
+                     std::clamp(int(std::ceil(stored.height() * factor)), 1, stored.height()));
+    }
+
+    // The largest size whose pixels, with `extra` bytes beside them, fit in `room` bytes; empty if none.
+    QSize largestWithin(std::int64_t room, std::int64_t extra) const {
+        const std::vector<QSize> sizes = steps();
+        if (!sizes.empty()) {
+            for (auto it = sizes.rbegin(); it != sizes.rend(); ++it)
+                if (bytesFor(*it) + extra <= room)
+                    return *it;
+            return {};
+        }
+        const double factor = std::min(1.0, std::sqrt(double(room - extra) / double(bytesFor(stored))));
+        if (!(factor > 0))
+            return {};
+        const QSize size(int(stored.width() * factor), int(stored.height() * factor));
+        return size.isEmpty() ? QSize() : size;
+    }
+
+    // The block size that gives `size` (one of the steps) for a PNG.
+    int divisorFor(QSize size) const {
+        const int longest = std::max(stored.width(), stored.height());
+        for (int divisor = std::max(1, stored.width() / size.width() - 1); divisor <= longest; ++divisor)
+            if (PngReducedDecoder::reducedSize(stored, divisor) == size)
+                return divisor;
+        return 1;
+    }
+};
+
+QString megabytes(std::int64_t bytes) {
+    return QString::number((bytes + (1 << 19)) >> 20);
+}
+
+struct Decoded {
+    QImage bitmap;
+    ImageOrientation orientation = ImageOrientation::up;
+    QSize storedSize;
+    std::optional<PhotoMemoryBudget::Reservation> hold;
+};
+
+std::optional<Decoded> decode(const QByteArray& data, const DecodeOptions& options, QString* error) {
+    auto fail = [error](const QString& reason) -> std::optional<Decoded> {
         if (error)
             *error = reason;
-        return ImagePtr();
+        return std::nullopt;
     };
-    if (!isValidScale(scale))
+    if (!isValidScale(options.scale))
         return fail(QStringLiteral("invalid scale"));
     if (data.isEmpty())
         return fail(QStringLiteral("empty file"));
@@ -244,17 +350,54 @@ ImagePtr decode(const QByteArray& data, double scale, QString* error) {
     if (!isComplete(format, data))
         return fail(QStringLiteral("truncated %1 file").arg(QString::fromLatin1(format)));
 
+    const SizePlan plan{size, reductionFor(format, data)};
+    const QSize wanted = plan.covering(coverFactor(size, options.coverSize));
+    QSize target = wanted;
+    // Readers that cannot decode reduced hold the whole picture for a moment before it is scaled.
+    const std::int64_t fullStep = plan.reduction == Reduction::afterDecode ? bytesFor(size) : 0;
+    auto cost = [&](QSize decoded) { return bytesFor(decoded) + (decoded == size ? 0 : fullStep); };
+    std::optional<PhotoMemoryBudget::Reservation> hold;
+    if (options.budget) {
+        hold = options.budget->reserve(cost(target));
+        if (!hold) {
+            const std::int64_t held = options.budget->used();
+            const QSize reduced = plan.largestWithin(options.budget->available(), fullStep);
+            const double smallest = std::clamp(options.smallestFraction, 0.0, 1.0);
+            if (!reduced.isEmpty() && reduced.width() >= wanted.width() * smallest &&
+                reduced.height() >= wanted.height() * smallest)
+                hold = options.budget->reserve(cost(reduced));
+            if (!hold)
+                return fail(QStringLiteral("not enough memory for this picture: the photos already open take "
+                                           "%1 MB of the %2 MB allowed for photos, and it needs %3 MB")
+                                .arg(megabytes(held), megabytes(options.budget->limit()),
+                                     megabytes(cost(reduced.isEmpty() ? wanted : reduced))));
+            target = reduced;
+        }
+    }
+
     ensureAllocationLimit(pixels);
     QImage bitmap;
-    if (!reader.read(&bitmap) || bitmap.isNull())
-        return fail(QStringLiteral("cannot decode picture: %1").arg(reader.errorString()));
-    if (bitmap.size() != size)
+    QString why;
+    if (plan.reduction == Reduction::jpegSteps)
+        bitmap = JpegScaledDecoder::decode(data, target, &why);
+    else if (plan.reduction == Reduction::pngBlocks && target != size)
+        bitmap = PngReducedDecoder::decode(data, plan.divisorFor(target), &why);
+    // What the JPEG decoder cannot turn into RGB (CMYK) goes to Qt's reader, which reduces as well.
+    if (bitmap.isNull() && !(plan.reduction == Reduction::pngBlocks && target != size)) {
+        if (target != size && plan.reduction != Reduction::afterDecode)
+            reader.setScaledSize(target);
+        if (!reader.read(&bitmap) || bitmap.isNull())
+            return fail(QStringLiteral("cannot decode picture: %1").arg(reader.errorString()));
+        if (bitmap.size() != target && plan.reduction == Reduction::afterDecode && bitmap.size() == size)
+            bitmap = bitmap.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    if (bitmap.isNull())
+        return fail(why.isEmpty() ? QStringLiteral("cannot decode picture") : why);
+    if (bitmap.size() != target)
         return fail(QStringLiteral("decoded picture does not match its declared size"));
-
-    ImagePtr image = Image::make(std::move(bitmap), scale, orientationFor(reader.transformation()));
-    if (!image)
-        return fail(QStringLiteral("cannot decode picture"));
-    return image;
+    if (hold)
+        hold->shrinkTo(bytesFor(target));
+    return Decoded{std::move(bitmap), orientationFor(reader.transformation()), size, std::move(hold)};
 }
 
 QByteArray encode(const QImage& image, const char* format, int quality) {
@@ -284,6 +427,11 @@ std::optional<ImageOrientation> orientationFromExif(int exifValue) {
 Image::Image(QImage bitmap, double scale, ImageOrientation orientation)
     : bitmap_(std::move(bitmap)), scale_(scale), orientation_(orientation) {}
 
+struct Image::Provenance {
+    ImageSource source;
+    std::optional<PhotoMemoryBudget::Reservation> hold;
+};
+
 ImagePtr Image::make(QImage bitmap, double scale, ImageOrientation orientation) {
     if (bitmap.isNull() || !isValidScale(scale))
         return nullptr;
@@ -299,17 +447,83 @@ ImagePtr Image::make(QImage bitmap, double scale, ImageOrientation orientation) 
 }
 
 ImagePtr Image::fromFile(const QString& path, double scale, QString* error) {
+    DecodeOptions options;
+    options.scale = scale;
+    return fromFile(path, options, error);
+}
+
+ImagePtr Image::fromFile(const QString& path, const DecodeOptions& options, QString* error) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         if (error)
             *error = QStringLiteral("cannot open %1: %2").arg(path, file.errorString());
         return nullptr;
     }
-    return decode(file.readAll(), scale, error);
+    std::optional<Decoded> decoded = decode(file.readAll(), options, error);
+    if (!decoded)
+        return nullptr;
+    ImagePtr made = make(std::move(decoded->bitmap), options.scale, decoded->orientation);
+    if (!made) {
+        if (error)
+            *error = QStringLiteral("cannot decode picture");
+        return nullptr;
+    }
+    auto provenance = std::make_shared<Provenance>();
+    provenance->source = ImageSource{path, decoded->storedSize};
+    provenance->hold = std::move(decoded->hold);
+    std::const_pointer_cast<Image>(made)->provenance_ = std::move(provenance);
+    return made;
 }
 
 ImagePtr Image::fromData(const QByteArray& data, double scale, QString* error) {
-    return decode(data, scale, error);
+    DecodeOptions options;
+    options.scale = scale;
+    std::optional<Decoded> decoded = decode(data, options, error);
+    if (!decoded)
+        return nullptr;
+    ImagePtr image = make(std::move(decoded->bitmap), scale, decoded->orientation);
+    if (!image && error)
+        *error = QStringLiteral("cannot decode picture");
+    return image;
+}
+
+ImagePtr Image::fullResolution(const ImagePtr& image, PhotoMemoryBudget* budget, QString* error) {
+    if (!image || !image->isReduced())
+        return image;
+    const ImageSource& source = *image->source();
+    auto keep = [&](const QString& reason) {
+        if (error)
+            *error = reason;
+        return image;
+    };
+    DecodeOptions options;
+    options.budget = budget;
+    options.smallestFraction = 0.0; // anything larger than what is held is worth having
+    options.scale = image->scale();
+    QString why;
+    const ImagePtr reread = fromFile(source.path, options, &why);
+    if (!reread)
+        return keep(why);
+    if (reread->source()->fullPixelSize != source.fullPixelSize)
+        return keep(QStringLiteral("%1 has changed since it was opened").arg(source.path));
+    if (reread->pixelSize().width() <= image->pixelSize().width())
+        return keep(QStringLiteral("not enough memory to read %1 at a larger size").arg(source.path));
+    if (reread->isReduced() && error)
+        *error = QStringLiteral("not enough memory to read all of %1; it was read at %2 × %3")
+                     .arg(source.path)
+                     .arg(reread->pixelSize().width())
+                     .arg(reread->pixelSize().height());
+    if (reread->orientation() == image->orientation())
+        return reread;
+    return reread->withOrientation(image->orientation(), image->scale());
+}
+
+const ImageSource* Image::source() const {
+    return provenance_ ? &provenance_->source : nullptr;
+}
+
+bool Image::isReduced() const {
+    return provenance_ && provenance_->source.fullPixelSize != bitmap_.size();
 }
 
 QSizeF Image::size() const {
@@ -337,7 +551,10 @@ QImage Image::uprightBitmap() const {
 }
 
 ImagePtr Image::withOrientation(ImageOrientation orientation, double scale) const {
-    return make(bitmap_, scale, orientation);
+    ImagePtr made = make(bitmap_, scale, orientation);
+    if (made)
+        std::const_pointer_cast<Image>(made)->provenance_ = provenance_; // the same pixels, the same file
+    return made;
 }
 
 QByteArray Image::jpegData(double quality) const {

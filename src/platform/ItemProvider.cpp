@@ -5,7 +5,8 @@
 #include <QFileInfo>
 #include <QImageReader>
 
-ItemProvider::ItemProvider(QString filePath) : filePath_(std::move(filePath)) {}
+ItemProvider::ItemProvider(QString filePath, PhotoMemoryBudget* budget)
+    : filePath_(std::move(filePath)), budget_(budget) {}
 
 std::shared_ptr<ItemProvider> ItemProvider::forFile(const QString& filePath) {
     return std::make_shared<ItemProvider>(filePath);
@@ -23,14 +24,29 @@ bool ItemProvider::canLoadImage() const {
 }
 
 void ItemProvider::loadImage(ImageCompletion completion) const {
+    DecodeOptions options;
+    options.coverSize = displayPixelSize;
+    options.budget = budget_;
+    load(options, std::move(completion));
+}
+
+void ItemProvider::loadFullResolutionImage(ImageCompletion completion) const {
+    DecodeOptions options;
+    options.budget = budget_;
+    options.smallestFraction = 1.0;
+    load(options, std::move(completion));
+}
+
+void ItemProvider::load(const DecodeOptions& options, ImageCompletion completion) const {
     if (!completion)
         return;
     const QString path = filePath_;
-    Dispatch::global(QualityOfService::userInitiated).async([path, completion = std::move(completion)]() {
-        QString error;
-        ImagePtr image = Image::fromFile(path, 1.0, &error);
-        if (image)
-            error.clear();
-        completion(std::move(image), std::move(error));
-    });
+    Dispatch::global(QualityOfService::userInitiated)
+        .async([path, options, completion = std::move(completion)]() {
+            QString error;
+            ImagePtr image = Image::fromFile(path, options, &error);
+            if (image)
+                error.clear();
+            completion(std::move(image), std::move(error));
+        });
 }

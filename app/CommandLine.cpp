@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include <QFileInfo>
 #include <QtGlobal>
 
 CommandLine CommandLine::parse(const QStringList& arguments) {
@@ -53,6 +54,12 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
             }
         } else if (arg.startsWith(QLatin1String("-platform"))) {
             ++i; // Qt's own option, handled by QApplication
+        } else if (arg == QLatin1String("--")) {
+            for (++i; i < arguments.size(); ++i)
+                result.photos << QFileInfo(arguments[i]).absoluteFilePath();
+        } else if (!arg.startsWith(QLatin1Char('-')) && result.action == Action::runWindow) {
+            // File managers and the desktop entry hand photos over as plain paths.
+            result.photos << QFileInfo(arg).absoluteFilePath();
         } else {
             result.action = Action::error;
             result.errorText = QStringLiteral("unknown argument '%1'").arg(arg);
@@ -64,11 +71,12 @@ CommandLine CommandLine::parse(const QStringList& arguments) {
 
 QString CommandLine::helpText() {
     return QStringLiteral(
-        "Usage: lumivex [options]\n"
+        "Usage: lumivex [options] [PHOTO...]\n"
         "       lumivex demo [--out DIR]\n"
         "\n"
         "Lumivex turns photographs into one finished picture: collages, mixes, AI blends, mirrors\n"
-        "and classic frames. Without options it opens the editor window.\n"
+        "and classic frames. Without options it opens the editor window; photos named after the\n"
+        "options open in the collage editor.\n"
         "\n"
         "Commands:\n"
         "  demo                   Build collages of the bundled sample photos without any display and\n"

@@ -14,6 +14,7 @@ struct CommandLine {
     QString screenshotPath; // save a picture of the window once shown, then quit
     int quitAfterMs = -1;   // quit on its own after this long
     QString outDir;         // where `demo` writes its pictures
+    QStringList photos;     // photos to open in the collage editor, as absolute paths
 
     static CommandLine parse(const QStringList& arguments);
     static QString helpText();

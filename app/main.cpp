@@ -3,14 +3,12 @@
 #include "Version.h"
 
 #include "platform/AppWindow.h"
-#include "platform/Dispatch.h"
-#include "platform/Notifications.h"
-#include "platform/UserDefaults.h"
 #include "platform/ViewController.h"
-#include "shell/AppDelegate.h"
+#include "shell/AppStartup.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QIcon>
 #include <QTimer>
 #include <cstdio>
 
@@ -68,42 +66,16 @@ int main(int argc, char** argv) {
     }
 
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("lumivex"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Lumivex"));
     QApplication::setApplicationVersion(QStringLiteral(LUMIVEX_VERSION));
+    QApplication::setWindowIcon(
+        QIcon::fromTheme(QStringLiteral("lumivex"), QIcon(QStringLiteral(":/lumivex/lumivex.svg"))));
 
-    if (!command.configDir.isEmpty()) {
-        QDir().mkpath(command.configDir);
-        UserDefaults::setStandardPath(QDir(command.configDir).filePath(QStringLiteral("defaults.ini")));
-    }
-
-    AppDelegate delegate(UserDefaults::standard(), Notifications::current());
-    QObject::connect(&app, &QGuiApplication::applicationStateChanged, &delegate,
-                     [&delegate](Qt::ApplicationState s) {
-                         switch (s) {
-                         case Qt::ApplicationActive:
-                             delegate.applicationDidBecomeActive();
-                             break;
-                         case Qt::ApplicationInactive:
-                             delegate.applicationWillResignActive();
-                             break;
-                         case Qt::ApplicationHidden:
-                         case Qt::ApplicationSuspended:
-                             delegate.applicationDidEnterBackground();
-                             break;
-                         }
-                     });
-    QObject::connect(&app, &QCoreApplication::aboutToQuit, &delegate,
-                     [&delegate]() { delegate.applicationWillTerminate(); });
-    delegate.didFinishLaunchingWithOptions();
-    // Platforms without window activation (offscreen) never report the active state on their own.
-    if (QGuiApplication::applicationState() == Qt::ApplicationActive ||
-        QGuiApplication::platformName() == QLatin1String("offscreen"))
-        Dispatch::main().async([&delegate]() { delegate.applicationDidBecomeActive(); });
+    AppStartup startup({command.configDir, command.photos});
+    startup.start();
 
     if (!command.screenshotPath.isEmpty()) {
-        QTimer::singleShot(300, &app, [&delegate, &command]() {
-            AppWindow* window = delegate.window();
+        QTimer::singleShot(300, &app, [&startup, &command]() {
+            AppWindow* window = startup.window();
             const bool saved = window && window->grab().save(command.screenshotPath, "PNG");
             std::printf("lumivex: %s %s showing %s\n", saved ? "saved" : "could not save",
                         qPrintable(command.screenshotPath),

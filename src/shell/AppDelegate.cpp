@@ -151,6 +151,18 @@ void AppDelegate::finishOnboarding() {
     window_->makeKeyAndVisible();
 }
 
+void AppDelegate::openPhotos(const QStringList& files) {
+    if (!window_)
+        return;
+    auto* home = qobject_cast<NewHomePageController*>(window_->rootViewController());
+    if (!home) {
+        home = new NewHomePageController(defaults_);
+        window_->setRootViewController(home);
+        window_->makeKeyAndVisible();
+    }
+    home->openPhotos(files);
+}
+
 void AppDelegate::applicationDidBecomeActive() {
     refreshReachability();
     if (networkReachable) {

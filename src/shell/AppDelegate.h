@@ -4,6 +4,7 @@
 #include "platform/Reachability.h"
 
 #include <QObject>
+#include <QStringList>
 #include <QVariantMap>
 #include <functional>
 #include <memory>
@@ -49,6 +50,10 @@ public:
 
     // Builds tutorial page `index` (0…3) with its navigation wired to this object.
     ViewController* makeOnboardingPage(int index);
+    // Opens the collage editor with photos from outside the program over the home screen, which becomes
+    // the root for this run when the tutorial was showing (it still shows on the next plain start).
+    void openPhotos(const QStringList& files);
+
     // Stores that the tutorial has been seen and swaps the root for the home screen at once.
     void finishOnboarding();
 

@@ -429,13 +429,30 @@ void NewHomePageController::presentPhotoPicker() {
     configuration.imagesOnly = true;
     QPointer<NewHomePageController> self(this);
     PhotoPicker::present(this, configuration, [self](std::vector<PickerResult> results) {
-        if (!self || results.empty())
-            return;
-        loadImagesInOrder(results, self, [self](std::vector<ImagePtr> images) {
-            if (self)
-                self->viewModel_.handleLoadedImages(std::move(images));
-        });
+        if (self)
+            self->takePickedItems(results);
     });
+}
+
+void NewHomePageController::takePickedItems(const std::vector<PickerResult>& results) {
+    if (results.empty())
+        return;
+    QPointer<NewHomePageController> self(this);
+    loadImagesInOrder(results, self, [self](std::vector<ImagePtr> images) {
+        if (self)
+            self->viewModel_.handleLoadedImages(std::move(images));
+    });
+}
+
+void NewHomePageController::openPhotos(const QStringList& files) {
+    pendingDestination_ = EditorDestination::collage;
+    std::vector<PickerResult> results;
+    for (const QString& file : files) {
+        if (static_cast<int>(results.size()) >= HomeViewModel::maximumImageCount)
+            break;
+        results.push_back({ItemProvider::forFile(file)});
+    }
+    takePickedItems(results);
 }
 
 void NewHomePageController::openEditor(std::vector<ImagePtr> images) {
@@ -444,8 +461,6 @@ void NewHomePageController::openEditor(std::vector<ImagePtr> images) {
         auto* editor =
             new CollageEditorViewController(std::make_unique<CollageEditorViewModel>(std::move(images)));
         editor->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
-        // A full-screen editor covers this screen, which counts as leaving it: the clock stops.
-        stopCarouselTimer();
         present(editor, true);
         break;
     }

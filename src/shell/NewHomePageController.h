@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Image.h"
+#include "platform/PhotoPicker.h"
 #include "platform/ViewController.h"
 #include "shell/HomeViewModel.h"
 
@@ -50,6 +51,9 @@ public:
     // The clock's tick: shows the next slide, wrapping from the last to the first.
     void nextImage();
     void didSelectFeature(int item);
+    // Photos handed to the program from outside (the command line): the same road as picked ones into
+    // the collage editor, including the alert for fewer than two.
+    void openPhotos(const QStringList& files);
 
     // The carousel's scrolling moments, from a hand drag or the wheel.
     void scrollViewWillBeginDragging();
@@ -79,6 +83,7 @@ private:
     void turnCarouselPage(int direction);
 
     void presentPhotoPicker();
+    void takePickedItems(const std::vector<PickerResult>& results);
     void openEditor(std::vector<ImagePtr> images);
     void showInsufficientSelectionAlert();
 

@@ -13,11 +13,13 @@ QPushButton* makeBackButton(QWidget* parent) {
     button->setFixedSize(kBackButtonSize, kBackButtonSize);
     button->setCursor(Qt::PointingHandCursor);
     button->setToolTip(QStringLiteral("Back"));
-    const QIcon chevron = Assets::icon(QStringLiteral("chevron.left"));
-    if (chevron.isNull())
+    const QIcon chevron = Assets::symbol(QStringLiteral("chevron.left"), kBackChevronSize);
+    if (chevron.isNull()) {
         button->setText(QStringLiteral("‹"));
-    else
+    } else {
         button->setIcon(chevron);
+        button->setIconSize(QSize(kBackChevronSize, kBackChevronSize));
+    }
     button->setStyleSheet(QStringLiteral("QPushButton { color: white; background: rgba(255,255,255,30);"
                                          " border: none; border-radius: 16px; font-size: 22px; }"));
     return button;

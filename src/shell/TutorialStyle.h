@@ -12,6 +12,8 @@ namespace TutorialStyle {
 constexpr int kSideMargin = 32;
 constexpr int kButtonHeight = 56;
 constexpr int kBackButtonSize = 32;
+// The chevron inside it, in points: about half the circle, as on the phone.
+constexpr int kBackChevronSize = 16;
 
 QPushButton* makeBackButton(QWidget* parent);
 QPushButton* makeContinueButton(const QString& title, QWidget* parent);

@@ -3,7 +3,7 @@
 #include "collage/CollageEditorViewController.h"
 #include "collage/FeatherOptionsView.h"
 #include "collage/FeatherSliderRow.h"
-#include "export/ExportScreens.h"
+#include "e2e/Journey.h"
 #include "export/RateShareController.h"
 #include "platform/AppWindow.h"
 #include "platform/NavigationController.h"
@@ -30,32 +30,18 @@
 
 namespace {
 
-QString sample(const QString& name) {
-    return QDir(QStringLiteral(LUMIVEX_SAMPLES_DIR)).filePath(name);
-}
+using journey::Journey;
 
 template <typename T> int indexOf(const std::vector<T>& list, T value) {
     return static_cast<int>(std::find(list.begin(), list.end(), value) - list.begin());
 }
 
 // From the first launch to a saved collage: tutorial, home, picker, editor, save, album, share sheet.
-TEST(CollageJourney, ThreePhotosBecomeOneSavedCollage) {
-    Screen::main().setScale(3.0);
-    registerExportScreens();
-    QTemporaryDir profile;
-    QTemporaryDir album;
-    PhotoLibrary::shared().setFolder(album.path());
+TEST_F(Journey, ThreePhotosBecomeOneSavedCollage) {
+    const QStringList picked = putIntoPictures(
+        {QStringLiteral("messi5.jpg"), QStringLiteral("fruits.jpg"), QStringLiteral("building.jpg")});
     ShareSheet::resetPresentationRecord();
-    const QStringList picked = {sample(QStringLiteral("messi5.jpg")), sample(QStringLiteral("fruits.jpg")),
-                                sample(QStringLiteral("building.jpg"))};
-    PhotoPicker::setTestSource(
-        [picked](const PickerConfiguration&) { return std::optional<QStringList>(picked); });
-
-    UserDefaults defaults(profile.filePath(QStringLiteral("defaults.ini")));
-    Notifications notifications;
-    AppDelegate app(defaults, notifications, Reachability([] { return std::optional<uint32_t>(); }));
-    app.didFinishLaunchingWithOptions();
-    AppWindow* window = app.window();
+    ASSERT_TRUE(start());
     auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
     ASSERT_NE(tutorial, nullptr);
     QTest::mouseClick(qobject_cast<TutorialPageViewController*>(tutorial->topViewController())->skipButton(),
@@ -65,10 +51,13 @@ TEST(CollageJourney, ThreePhotosBecomeOneSavedCollage) {
     QCoreApplication::processEvents();
 
     QTest::mouseClick(home->featureCell(0), Qt::LeftButton);
-    ASSERT_TRUE(testsupport::waitUntil([&] {
-        return qobject_cast<CollageEditorViewController*>(home->presentedViewController()) != nullptr;
-    }));
-    auto* editor = qobject_cast<CollageEditorViewController*>(home->presentedViewController());
+    PhotoPicker* picker = waitForPresented<PhotoPicker>();
+    ASSERT_NE(picker, nullptr);
+    for (const QString& photo : picked)
+        QTest::mouseClick(picker->cellForFile(photo), Qt::LeftButton);
+    QTest::mouseClick(picker->addButton(), Qt::LeftButton);
+    auto* editor = waitForPresented<CollageEditorViewController>();
+    ASSERT_NE(editor, nullptr);
     ASSERT_EQ(editor->viewModel().images().size(), 3u);
     CollageCanvasView* canvas = editor->canvasView();
 
@@ -82,8 +71,9 @@ TEST(CollageJourney, ThreePhotosBecomeOneSavedCollage) {
         indexOf(editor->viewModel().aspectRatioOptions(), CollageAspectRatioOption::instagramStory);
     QTest::mouseClick(editor->optionCells()[story], Qt::LeftButton);
     EXPECT_EQ(displayName(*editor->viewModel().selectedAspectRatioOption()), QStringLiteral("Story"));
-    testsupport::spin(50);
-    EXPECT_NEAR(canvas->canvasSize().width() / canvas->canvasSize().height(), 0.5625, 0.01);
+    EXPECT_TRUE(testsupport::waitUntil([&] {
+        return std::abs(canvas->canvasSize().width() / canvas->canvasSize().height() - 0.5625) < 0.01;
+    }));
 
     // Move and zoom the selected pane with the mouse.
     QWidget* surface = canvas->viewport();
@@ -114,11 +104,9 @@ TEST(CollageJourney, ThreePhotosBecomeOneSavedCollage) {
     ASSERT_TRUE(testsupport::waitUntil([&] { return ShareSheet::presentationCount() >= 1; }));
     EXPECT_NE(qobject_cast<RateShareController*>(editor->presentedViewController()), nullptr);
 
-    const QStringList written = QDir(album.path()).entryList({QStringLiteral("*.jpg")}, QDir::Files);
-    ASSERT_EQ(written.size(), 1);
-    const QImage saved = testvideo::decodeFirstPicture(QDir(album.path()).filePath(written.front()));
+    ASSERT_TRUE(testsupport::waitUntil([&] { return albumFiles().size() == 1; }));
+    const QImage saved = testvideo::decodeFirstPicture(albumFiles().front());
     EXPECT_EQ(saved.size(), (canvasPoints * 3.0).toSize());
-    PhotoPicker::setTestSource({});
 }
 
 } // namespace

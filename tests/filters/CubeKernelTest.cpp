@@ -165,38 +165,3 @@ TEST(CubeKernel, ExtremeShapesAndCubes) {
         for (int x = 0; x < result.width(); ++x)
             ASSERT_EQ(result.pixel(x, y), qRgb(12, 200, 99));
 }
-
-TEST(CubeKernel, ACubeWithTransparentEntriesGivesAlpha) {
-    QImage lookup = identityPicture(16);
-    QImage translucent(lookup.size(), QImage::Format_ARGB32);
-    for (int y = 0; y < lookup.height(); ++y)
-        for (int x = 0; x < lookup.width(); ++x) {
-            const QRgb p = lookup.pixel(x, y);
-            translucent.setPixel(x, y, qRgba(qRed(p), qGreen(p), qBlue(p), 128));
-        }
-    const auto packed = packedOf(translucent, 16);
-    ASSERT_TRUE(packed);
-    EXPECT_FALSE(packed->opaque);
-    QImage grey(9, 2, QImage::Format_RGB32);
-    grey.fill(qRgb(200, 200, 200));
-    for (const CubeApplyOptions& options : {plain, avx2}) {
-        const QImage result = applyCube(*packed, grey, options);
-        ASSERT_EQ(result.format(), QImage::Format_ARGB32_Premultiplied);
-        EXPECT_NEAR(qAlpha(result.pixel(8, 1)), 128, 1);
-        EXPECT_NEAR(qRed(result.pixel(8, 1)), 100, 1); // the entry is premultiplied by its own alpha
-    }
-}
-
-TEST(CubeKernel, WritesIntoTheCallersBufferWhenItFits) {
-    const QImage photo = samplePhoto("home.jpg", {64, 48});
-    const auto packed = packedOf(assetLookup("Glossy"));
-    QImage buffer(photo.size(), QImage::Format_RGB32);
-    const uchar* memory = buffer.constBits();
-    applyCube(*packed, photo, buffer);
-    EXPECT_EQ(buffer.constBits(), memory);
-    EXPECT_EQ(buffer, applyCube(*packed, photo));
-
-    QImage wrong(10, 10, QImage::Format_RGB32);
-    applyCube(*packed, photo, wrong);
-    EXPECT_EQ(wrong, applyCube(*packed, photo));
-}

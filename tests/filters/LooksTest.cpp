@@ -34,19 +34,6 @@ protected:
 
 } // namespace
 
-TEST(FilterTable, ThirtyFiveLooksEachWithALookupPictureAndAThumbnail) {
-    const auto& table = filterTable();
-    ASSERT_EQ(table.size(), 35u);
-    EXPECT_EQ(table[0].lookupImage, "Ava");
-    EXPECT_EQ(table[0].thumbnail, "habitual");
-    EXPECT_EQ(table[34].lookupImage, "Variance");
-    EXPECT_EQ(table[34].thumbnail, "wozzy");
-    for (const FilterTableEntry& entry : table) {
-        EXPECT_TRUE(Assets::image(entry.lookupImage)) << entry.lookupImage.toStdString();
-        EXPECT_TRUE(Assets::image(entry.thumbnail)) << entry.thumbnail.toStdString();
-    }
-}
-
 TEST_F(LooksWithOwnAssets, CubesAreBuiltOnceAndTheLeastRecentGoes) {
     LookCubeCache cache(2);
     const auto ava = cache.cube("Ava");

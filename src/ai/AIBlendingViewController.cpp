@@ -48,7 +48,13 @@ void AIBlendingViewController::viewDidLoad() {
     collection_->setFrameShape(QFrame::NoFrame);
     collection_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     collection_->setStyleSheet(
-        QStringLiteral("QScrollArea, QScrollArea > QWidget > QWidget { background: black; }"));
+        QStringLiteral("QScrollArea, QScrollArea > QWidget > QWidget { background: black; }"
+                       // A slim indicator, as on a phone, rather than a desktop trough beside the grid.
+                       "QScrollBar:vertical { width: 6px; background: transparent; margin: 2px 0; }"
+                       "QScrollBar::handle:vertical { background: rgba(255, 255, 255, 90);"
+                       " border-radius: 3px; min-height: 32px; }"
+                       "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+                       "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }"));
     grid_ = new QWidget;
     collection_->setWidget(grid_);
     // The viewport gets its real width only once the scroll area has been laid out, which for a

@@ -31,6 +31,17 @@ TEST(BoundedImageCache, OversizedImageEmptiesTheCacheItselfIncluded) {
     EXPECT_EQ(cache.image(QStringLiteral("huge")), nullptr);
 }
 
+TEST(BoundedImageCache, ExactlyAtTheLimitEverythingStays) {
+    BoundedImageCache cache(100);
+    cache.setImage(picture(), QStringLiteral("a"), 60);
+    cache.setImage(picture(), QStringLiteral("b"), 40);
+    EXPECT_EQ(cache.count(), 2);
+    EXPECT_EQ(cache.totalCost(), 100);
+    cache.setImage(picture(), QStringLiteral("c"), 1); // one past: the oldest goes
+    EXPECT_EQ(cache.recencyOrder(), QStringList({"b", "c"}));
+    EXPECT_EQ(cache.totalCost(), 41);
+}
+
 TEST(BoundedImageCache, ReadingSavesAnEntryFromTheNextEviction) {
     BoundedImageCache cache(100);
     cache.setImage(picture(), QStringLiteral("A"), 40);

@@ -154,6 +154,22 @@ TEST_F(HomeScreenTest, CancelledPickerAndPicMixerPhotosOpenNothing) {
     EXPECT_EQ(navigation->modalPresentationStyle(), ModalPresentationStyle::fullScreen);
 }
 
+// Two photos are the least a collage takes; the boundary counts both ways.
+TEST(HomeModel, TwoPhotosAreEnoughAndOneIsNot) {
+    HomeViewModel model;
+    std::vector<int> ready;
+    int refused = 0;
+    model.onImagesReady = [&](std::vector<ImagePtr> images) { ready.push_back(int(images.size())); };
+    model.onInsufficientSelection = [&] { ++refused; };
+    const ImagePtr photo = Image::make(QImage(4, 4, QImage::Format_RGB32));
+    for (int count : {0, 1, 2, 3, 8})
+        model.handleLoadedImages(std::vector<ImagePtr>(count, photo));
+    EXPECT_EQ(ready, std::vector<int>({2, 3, 8}));
+    EXPECT_EQ(refused, 2);
+    EXPECT_EQ(HomeViewModel::insufficientSelectionMessage(),
+              QStringLiteral("Please choose at least 2 photos to create a lumivex."));
+}
+
 TEST(PhotoLoading, SelectionOrderSurvivesUnorderedLoadingAndUnreadableItemsDrop) {
     QTemporaryDir dir;
     // A large picture first: it takes far longer to decode than the small one after it.

@@ -10,9 +10,8 @@ using namespace CollageCellStyle;
 
 namespace {
 
-constexpr double kBadgeInset = 4.0;
+constexpr double kBadgeInset = 3.0;
 constexpr double kBadgeCornerRadius = 4.0;
-constexpr double kBadgeIconInset = 2.0;
 constexpr double kTitleHeight = 14.0;
 constexpr double kTitleBottomInset = 6.0;
 constexpr double kSideInset = 4.0;
@@ -40,6 +39,7 @@ AspectRatioOptionCell::AspectRatioOptionCell(QWidget* parent)
     brandBadgeView_->setObjectName(QStringLiteral("brandBadgeView"));
     brandIconView_->setObjectName(QStringLiteral("brandIconView"));
     brandIconView_->setFallback(SymbolFallback::initialLetter);
+    brandIconView_->setDrawsBrandMark(true);
     brandBadgeView_->hide();
     placeBadge();
 }
@@ -102,8 +102,7 @@ void AspectRatioOptionCell::placeBadge() {
     const int side = static_cast<int>(badgeSide);
     brandBadgeView_->setGeometry(width() - static_cast<int>(kBadgeInset) - side,
                                  static_cast<int>(kBadgeInset), side, side);
-    const int inset = static_cast<int>(kBadgeIconInset);
-    brandIconView_->setGeometry(inset, inset, side - 2 * inset, side - 2 * inset);
+    brandIconView_->setGeometry(0, 0, side, side);
 }
 
 void AspectRatioOptionCell::resizeEvent(QResizeEvent* event) {

@@ -18,7 +18,8 @@ public:
 
     static constexpr double maxOutlineDimension = 26.0;
     static constexpr double minOutlineDimension = 8.0;
-    static constexpr double badgeSide = 14.0;
+    // The brand badge in the top right corner, as large as the space beside the widest outline allows.
+    static constexpr double badgeSide = 16.0;
 
     // Size of the shape preview: the long side at the maximum, neither side under the minimum. An absent
     // ratio is drawn as a square.

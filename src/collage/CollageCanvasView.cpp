@@ -13,7 +13,6 @@
 #include <QNativeGestureEvent>
 #include <QPainter>
 #include <QPinchGesture>
-#include <QVariantAnimation>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -319,10 +318,11 @@ void CollageCanvasView::clearCustomBackground() {
 }
 
 void CollageCanvasView::beginGesture() {
-    if (springBack_)
-        springBack_->stop();
     CollagePaneView* pane = selectedPane();
-    if (pane && pane->isSelected())
+    if (!pane)
+        return;
+    pane->takeOverSpringBack();
+    if (pane->isSelected())
         pane->showCheckmark(true);
 }
 
@@ -330,29 +330,11 @@ void CollageCanvasView::endGesture() {
     CollagePaneView* pane = selectedPane();
     if (!pane || !pane->isSelected())
         return;
+    // The pane keeps the clamped place at once and only its drawing springs there, so that a gesture
+    // on another pane, or anything else that cuts the spring short, cannot leave it off the canvas.
     const QPointF before = pane->translation();
     pane->clampTranslation(false);
-    const QPointF after = pane->translation();
-    if (after == before)
-        return;
-    // Spring back from where the finger left the pane to the nearest allowed place.
-    pane->setTranslation(before);
-    pane->applyTransform();
-    QPointer<CollagePaneView> guard(pane);
-    springBack_ = Animations::spring(
-        this, 0.3, 0.8, 0.0,
-        [guard, before, after](double p) {
-            if (!guard)
-                return;
-            guard->setTranslation(before + (after - before) * p);
-            guard->applyTransform();
-        },
-        [guard, after](bool) {
-            if (!guard)
-                return;
-            guard->setTranslation(after);
-            guard->applyTransform();
-        });
+    pane->springBack(before);
 }
 
 void CollageCanvasView::handleGesture(GestureState state,
@@ -380,8 +362,12 @@ void CollageCanvasView::handleCanvasPan(GestureState state, const QPointF& trans
         state, [translation](CollagePaneView* pane) { pane->translate(translation.x(), translation.y()); });
 }
 
-void CollageCanvasView::handleCanvasPinch(GestureState state, double scale) {
-    handleGesture(state, [scale](CollagePaneView* pane) { pane->zoom(scale); });
+void CollageCanvasView::handleCanvasPinch(GestureState state, double scale, const QPointF& translation) {
+    handleGesture(state, [scale, translation](CollagePaneView* pane) {
+        pane->zoom(scale);
+        if (!translation.isNull())
+            pane->translate(translation.x(), translation.y());
+    });
 }
 
 void CollageCanvasView::mousePressEvent(QMouseEvent* event) {
@@ -396,7 +382,8 @@ void CollageCanvasView::mousePressEvent(QMouseEvent* event) {
 }
 
 void CollageCanvasView::mouseMoveEvent(QMouseEvent* event) {
-    if (!mousePressed_)
+    // While two fingers pinch, the mouse made from the first finger would move the pane a second time.
+    if (!mousePressed_ || pinching_)
         return;
     const QPointF position = event->position();
     if (!dragging_) {
@@ -448,16 +435,22 @@ bool CollageCanvasView::viewportEvent(QEvent* event) {
         auto* gestureEvent = static_cast<QGestureEvent*>(event);
         if (auto* pinch = static_cast<QPinchGesture*>(gestureEvent->gesture(Qt::PinchGesture))) {
             switch (pinch->state()) {
+            // The fingers' centre carries the pane along, so a two-finger drag pans as it zooms.
             case Qt::GestureStarted:
-                handleCanvasPinch(GestureState::began, pinch->scaleFactor());
+                pinching_ = true;
+                handleCanvasPinch(GestureState::began, pinch->scaleFactor(),
+                                  pinch->centerPoint() - pinch->lastCenterPoint());
                 break;
             case Qt::GestureUpdated:
-                handleCanvasPinch(GestureState::changed, pinch->scaleFactor());
+                handleCanvasPinch(GestureState::changed, pinch->scaleFactor(),
+                                  pinch->centerPoint() - pinch->lastCenterPoint());
                 break;
             case Qt::GestureFinished:
+                pinching_ = false;
                 handleCanvasPinch(GestureState::ended);
                 break;
             case Qt::GestureCanceled:
+                pinching_ = false;
                 handleCanvasPinch(GestureState::cancelled);
                 break;
             default:

@@ -12,7 +12,6 @@
 
 class CollageBackdropPaneView;
 class CustomBackgroundItem;
-class QVariantAnimation;
 
 enum class GestureState { began, changed, ended, cancelled, failed };
 
@@ -58,8 +57,9 @@ public:
     void clearCustomBackground();
 
     // Gesture actions: the pan's translation and the pinch's scale are the change since the last call.
+    // A pinch also moves the pane by how far the fingers' centre moved.
     void handleCanvasPan(GestureState state, const QPointF& translation = QPointF());
-    void handleCanvasPinch(GestureState state, double scale = 1.0);
+    void handleCanvasPinch(GestureState state, double scale = 1.0, const QPointF& translation = QPointF());
 
     QSizeF canvasSize() const;
     // The canvas as one picture: its size in points times the screen scale. Masks and blurs that
@@ -104,9 +104,9 @@ private:
     std::vector<int> zOrder_;
     bool isCustomBackgroundActive_ = false;
 
-    QPointer<QVariantAnimation> springBack_;
     QPointF pressPosition_;
     QPointF lastDragPosition_;
     bool mousePressed_ = false;
     bool dragging_ = false;
+    bool pinching_ = false;
 };

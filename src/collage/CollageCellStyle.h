@@ -37,4 +37,10 @@ enum class SymbolFallback {
 bool drawSymbol(QPainter& painter, const QString& symbolName, const QRectF& rect, const QColor& tint,
                 SymbolFallback fallback = SymbolFallback::nothing);
 
+// Draws the brand mark of a ratio made for one site ("f.square.fill", "x.square.fill",
+// "play.rectangle.fill", ...) filling `rect`: the brand's colour with a white letter or sign, drawn at
+// the size asked for so it stays readable at a badge's few pixels. Answers false for a name that is
+// no brand, after drawing nothing.
+bool drawBrandMark(QPainter& painter, const QString& symbolName, const QRectF& rect);
+
 } // namespace CollageCellStyle

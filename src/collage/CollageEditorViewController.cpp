@@ -36,6 +36,11 @@ constexpr int kSideInset = 12;
 constexpr int kToolsHeight = 64;
 constexpr int kStackSpacing = 8;
 constexpr int kChevronSize = 36;
+constexpr int kBackButtonSize = 32;
+// Symbol pictures keep a margin around their glyph, and a chevron covers only half of its square, so
+// the icon fills the whole button to give the stroke a readable size.
+constexpr int kBackIconSize = kBackButtonSize;
+constexpr int kChevronIconSize = kChevronSize;
 
 // The sheet behind the tools: rounded on its top corners only.
 class BottomSheetBackground : public QWidget {
@@ -112,7 +117,8 @@ void CollageEditorViewController::buildViews() {
 
     backButton_ = new QPushButton(this);
     backButton_->setObjectName(QStringLiteral("backButton"));
-    backButton_->setFixedSize(32, 32);
+    backButton_->setFixedSize(kBackButtonSize, kBackButtonSize);
+    backButton_->setIconSize(QSize(kBackIconSize, kBackIconSize));
     backButton_->setCursor(Qt::PointingHandCursor);
     backButton_->setToolTip(QStringLiteral("Back"));
     const QIcon back = Assets::icon(QStringLiteral("chevron.left"));
@@ -155,6 +161,7 @@ void CollageEditorViewController::buildViews() {
     expandChevronButton_ = new QPushButton(this);
     expandChevronButton_->setObjectName(QStringLiteral("expandChevronButton"));
     expandChevronButton_->setFixedSize(kChevronSize, kChevronSize);
+    expandChevronButton_->setIconSize(QSize(kChevronIconSize, kChevronIconSize));
     expandChevronButton_->setCursor(Qt::PointingHandCursor);
     expandChevronButton_->setStyleSheet(QStringLiteral("QPushButton { color: white; background: transparent; "
                                                        "border: none; font-size: 18px; }"));
@@ -452,6 +459,9 @@ void CollageEditorViewController::reloadOptions() {
                 cell->setProperty("panel", static_cast<int>(*panelMode_));
                 cell->onTap = [this, i]() { didSelectOption(i); };
                 optionsLayout_->addWidget(cell);
+                // A cell added to a row already on show would appear only at the next turn of the
+                // event loop, and the row below would be sized without it.
+                cell->setVisible(true);
                 optionCells_.append(cell);
             }
             optionsRow_->adjustSize();

@@ -10,6 +10,7 @@
 #include <QGraphicsScene>
 #include <QPainter>
 #include <QPointer>
+#include <QVariantAnimation>
 #include <algorithm>
 #include <cmath>
 
@@ -144,6 +145,7 @@ void CollagePaneView::setImage(ImagePtr image) {
     reducedSource_ = QImage();
     reducedFactor_ = 1.0;
     contentsRect_ = QRectF(0, 0, 1, 1);
+    stopSpringBack();
     scale_ = 1.0;
     translation_ = QPointF();
     imageRotationQuarterTurns_ = 0;
@@ -167,8 +169,9 @@ void CollagePaneView::startSubjectDetection() {
     detectionPending_ = true;
     QPointer<CollagePaneView> self(this);
     ImagePtr image = currentImage_;
-    WorkItem item([self, image, generation]() {
-        const std::optional<QRectF> subject = SubjectDetection::detectSubject(*image);
+    auto detect = subjectDetector ? subjectDetector : &SubjectDetection::detectSubject;
+    WorkItem item([self, image, generation, detect]() {
+        const std::optional<QRectF> subject = detect(*image);
         Dispatch::main().async([self, image, generation, subject]() {
             if (!self)
                 return;
@@ -215,10 +218,8 @@ void CollagePaneView::applySubjectCrop() {
 void CollagePaneView::applyTransform() {
     const QPointF c(frame_.width() / 2.0, frame_.height() / 2.0);
     const double s = scale_ * appearScale_;
-    setTransform(QTransform()
-                     .translate(c.x() + translation_.x(), c.y() + translation_.y())
-                     .scale(s, s)
-                     .translate(-c.x(), -c.y()));
+    const QPointF t = drawnTranslation_.value_or(translation_);
+    setTransform(QTransform().translate(c.x() + t.x(), c.y() + t.y()).scale(s, s).translate(-c.x(), -c.y()));
     checkmarkView_->setScale(scale_ > 0.0 ? 1.0 / scale_ : 1.0);
 }
 
@@ -321,9 +322,50 @@ void CollagePaneView::toggleFlip() {
     animateImageTransform();
 }
 
+void CollagePaneView::springBack(const QPointF& from) {
+    const QPointF to = translation_;
+    if (from == to)
+        return; // nothing to travel, and a spring already under way goes on
+    stopSpringBack();
+    drawnTranslation_ = from;
+    applyTransform();
+    QPointer<CollagePaneView> self(this);
+    springBack_ = Animations::spring(
+        this, 0.3, 0.8, 0.0,
+        [self, from, to](double p) {
+            if (!self)
+                return;
+            self->drawnTranslation_ = from + (to - from) * p;
+            self->applyTransform();
+        },
+        [self](bool) {
+            if (!self)
+                return;
+            self->drawnTranslation_.reset();
+            self->applyTransform();
+        });
+}
+
+void CollagePaneView::takeOverSpringBack() {
+    if (drawnTranslation_)
+        translation_ = *drawnTranslation_;
+    stopSpringBack();
+}
+
+void CollagePaneView::stopSpringBack() {
+    if (springBack_)
+        springBack_->stop();
+    springBack_ = nullptr;
+    if (drawnTranslation_) {
+        drawnTranslation_.reset();
+        applyTransform();
+    }
+}
+
 void CollagePaneView::resetTransform() {
     if (!selected_)
         return;
+    stopSpringBack();
     const double fromScale = scale_;
     const QPointF fromTranslation = translation_;
     scale_ = 1.0;
@@ -381,13 +423,10 @@ void CollagePaneView::showCheckmark(bool animated) {
     cancelCheckmarkHide();
     checkmarkView_->setVisible(true);
     if (animated) {
-        const double from = checkmarkView_->opacity();
-        QPointer<CollagePaneView> self(this);
-        Animations::animate(this, 0.15, [self, from](double p) {
-            if (self)
-                self->checkmarkView_->setOpacity(Animations::interpolate(from, 1.0, p));
-        });
+        fadeCheckmark(1.0, 0.15, false);
     } else {
+        if (checkmarkFade_)
+            checkmarkFade_->stop();
         checkmarkView_->setOpacity(1.0);
     }
     QPointer<CollagePaneView> self(this);
@@ -407,16 +446,22 @@ void CollagePaneView::cancelCheckmarkHide() {
 }
 
 void CollagePaneView::fadeOutCheckmark() {
+    fadeCheckmark(0.0, 0.2, true);
+}
+
+void CollagePaneView::fadeCheckmark(double to, double duration, bool hideAtZero) {
+    if (checkmarkFade_)
+        checkmarkFade_->stop();
     const double from = checkmarkView_->opacity();
     QPointer<CollagePaneView> self(this);
-    Animations::animate(
-        this, 0.2,
-        [self, from](double p) {
+    checkmarkFade_ = Animations::animate(
+        this, duration,
+        [self, from, to](double p) {
             if (self)
-                self->checkmarkView_->setOpacity(Animations::interpolate(from, 0.0, p));
+                self->checkmarkView_->setOpacity(Animations::interpolate(from, to, p));
         },
-        [self](bool) {
-            if (self && self->checkmarkView_->opacity() == 0.0)
+        [self, hideAtZero](bool) {
+            if (self && hideAtZero && self->checkmarkView_->opacity() == 0.0)
                 self->checkmarkView_->setVisible(false);
         });
 }

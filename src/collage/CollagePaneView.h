@@ -6,6 +6,9 @@
 
 #include <QGraphicsObject>
 #include <QImage>
+#include <QPointer>
+#include <QVariantAnimation>
+#include <functional>
 #include <optional>
 
 class CollagePaneView;
@@ -31,6 +34,12 @@ public:
     double maxScale = 3.0;
     double minScale = 1.0;
 
+    // Finds a photo's subject on a worker: SubjectDetection unless a test holds the worker with its own.
+    std::function<std::optional<QRectF>(const Image&)> subjectDetector;
+    void setFeatherMaskBuilder(FeatherMaskLoader::Builder builder) {
+        maskLoader_.builder = std::move(builder);
+    }
+
     // The pane's place in the canvas before its own transform, and its size.
     void setFrame(const QRectF& frame);
     QRectF frame() const { return frame_; }
@@ -51,6 +60,12 @@ public:
     void rotateQuarterTurn();
     void toggleFlip();
     void resetTransform();
+    // After a gesture: the translation already holds the clamped place, and the pane is drawn travelling
+    // there from `from` on a spring. Another pane's gesture leaves the spring running.
+    void springBack(const QPointF& from);
+    // A new gesture on this pane goes on from where the pane is drawn.
+    void takeOverSpringBack();
+    bool isSpringingBack() const { return springBack_ != nullptr; }
 
     double scale() const { return scale_; }
     QPointF translation() const { return translation_; }
@@ -106,6 +121,8 @@ public:
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
 
 private:
+    void stopSpringBack();
+    void fadeCheckmark(double to, double duration, bool hideAtZero);
     void layoutSubviews();
     void startSubjectDetection();
     void playEntrance();
@@ -124,6 +141,9 @@ private:
 
     double scale_ = 1.0;
     QPointF translation_;
+    // Where the pane is drawn while it springs back; the translation otherwise.
+    std::optional<QPointF> drawnTranslation_;
+    QPointer<QVariantAnimation> springBack_;
     double appearScale_ = 1.0;
     int imageRotationQuarterTurns_ = 0;
     bool isImageFlipped_ = false;
@@ -145,6 +165,9 @@ private:
     std::optional<WorkItem> entranceAnimationWorkItem_;
     std::optional<WorkItem> checkmarkHideWorkItem_;
     CheckmarkItem* checkmarkView_ = nullptr;
+    // One fade at a time: a fade-in must stop a fade-out that is still running, or the later one to
+    // finish decides.
+    QPointer<QVariantAnimation> checkmarkFade_;
 
     struct LayerKey {
         const Image* image = nullptr;

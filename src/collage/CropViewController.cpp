@@ -24,8 +24,10 @@ QPushButton* textButton(const QString& title, const QColor& colour, bool bold, Q
     font.setWeight(bold ? QFont::DemiBold : QFont::Normal);
     button->setFont(font);
     button->setCursor(Qt::PointingHandCursor);
+    // Never narrower than the title: the bar gives way in its gaps, not in the words.
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     button->setStyleSheet(QStringLiteral("QPushButton { color: %1; background: transparent; border: none;"
-                                         " padding: 8px 12px; }"
+                                         " padding: 8px 10px; }"
                                          "QPushButton:pressed { color: rgba(255, 255, 255, 120); }"
                                          "QPushButton:focus { text-decoration: underline; }")
                               .arg(colour.name()));
@@ -174,12 +176,15 @@ void CropViewController::viewDidLoad() {
     sizeLabel_->setAlignment(Qt::AlignCenter);
     sizeLabel_->setStyleSheet(QStringLiteral("color: rgba(255, 255, 255, 150); background: transparent;"));
 
+    // The four actions share the bar's width; the size of the cut stands on its own line above, where
+    // a long figure cannot push them off a narrow screen.
     auto* bar = new QHBoxLayout;
     bar->setContentsMargins(8, 0, 8, 0);
+    bar->setSpacing(0);
     bar->addWidget(cancelButton_);
     bar->addStretch(1);
     bar->addWidget(rotateButton_);
-    bar->addWidget(sizeLabel_);
+    bar->addStretch(1);
     bar->addWidget(resetButton_);
     bar->addStretch(1);
     bar->addWidget(doneButton_);
@@ -188,6 +193,7 @@ void CropViewController::viewDidLoad() {
     column->setContentsMargins(0, 12, 0, 12);
     column->setSpacing(12);
     column->addWidget(canvasView_, 1);
+    column->addWidget(sizeLabel_);
     column->addLayout(chips);
     column->addLayout(bar);
 

@@ -63,11 +63,12 @@ void FeatherMaskLoader::update(QObject* owner, const Request& request, std::func
     }
     QPointer<QObject> guard(owner);
     const int generation = generation_;
+    Builder build = builder ? builder : Builder(&FeatherMask::make);
     WorkItem item([guard, request, scale, current = std::move(current), installed = std::move(installed),
-                   this, generation]() {
+                   this, generation, build = std::move(build)]() {
         const double w = request.size.width();
         const double h = request.size.height();
-        ImagePtr mask = FeatherMask::make(w, h, request.horizontalFeather, request.verticalFeather, scale);
+        ImagePtr mask = build(w, h, request.horizontalFeather, request.verticalFeather, scale);
         if (!mask)
             return;
         BoundedImageCache::shared().setImage(

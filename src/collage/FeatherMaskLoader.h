@@ -14,6 +14,11 @@
 // exists and still has the size and feathers the mask was made for. Pane and backdrop share this.
 class FeatherMaskLoader {
 public:
+    // Makes a mask on the worker from width, height, feathers and scale; FeatherMask::make unless a
+    // test holds the worker with one of its own.
+    using Builder = std::function<ImagePtr(double, double, double, double, double)>;
+    Builder builder;
+
     struct Request {
         QSizeF size;
         double horizontalFeather = 0.0;

@@ -21,8 +21,15 @@ void SymbolIconView::setFallback(CollageCellStyle::SymbolFallback fallback) {
     update();
 }
 
+void SymbolIconView::setDrawsBrandMark(bool drawsBrandMark) {
+    drawsBrandMark_ = drawsBrandMark;
+    update();
+}
+
 void SymbolIconView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
+    if (drawsBrandMark_ && CollageCellStyle::drawBrandMark(painter, symbolName_, QRectF(rect())))
+        return;
     CollageCellStyle::drawSymbol(painter, symbolName_, QRectF(rect()), tint_, fallback_);
 }

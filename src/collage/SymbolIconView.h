@@ -16,6 +16,8 @@ public:
     QColor tintColor() const { return tint_; }
     void setTintColor(const QColor& tint);
     void setFallback(CollageCellStyle::SymbolFallback fallback);
+    // Brand names draw their own mark (CollageCellStyle::drawBrandMark) rather than a tinted picture.
+    void setDrawsBrandMark(bool drawsBrandMark);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -24,4 +26,5 @@ private:
     QString symbolName_;
     QColor tint_ = Qt::white;
     CollageCellStyle::SymbolFallback fallback_ = CollageCellStyle::SymbolFallback::nothing;
+    bool drawsBrandMark_ = false;
 };

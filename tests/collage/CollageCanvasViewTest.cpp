@@ -53,6 +53,57 @@ TEST(CollageCanvas, EightPhotosOnAFourPaneLayoutBecomeEqualColumns) {
     EXPECT_EQ(canvas.view.zOrder(), (std::vector<int>{7, 6, 5, 4, 3, 2, 1, 0}));
 }
 
+TEST(CollageCanvas, PanesOverhangTheirLayoutRectangleOnBothAxes) {
+    // Rows and columns on a canvas that is not square: each axis takes its own side.
+    Canvas canvas(QSize(400, 300));
+    canvas.view.configure(photos(4), CollageLayoutOption::fourEqualGrid);
+    const auto& panes = canvas.view.paneViews();
+    ASSERT_EQ(panes.size(), 4u);
+    EXPECT_EQ(panes[0]->frame(), QRectF(-25, -25, 250, 200));
+    EXPECT_EQ(panes[1]->frame(), QRectF(175, -25, 250, 200));
+    EXPECT_EQ(panes[2]->frame(), QRectF(-25, 125, 250, 200));
+    EXPECT_EQ(panes[3]->frame(), QRectF(175, 125, 250, 200));
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(canvas.view.backdropViews()[i]->frame(), panes[i]->frame()) << i;
+
+    canvas.view.configure(photos(3), CollageLayoutOption::threeTopFullBottomSplitRight);
+    EXPECT_EQ(canvas.view.paneViews()[2]->frame(),
+              QRectF(400 * 0.7 - 25, 300 * 0.55 - 25, 400 * 0.3 + 50, 300 * 0.45 + 50));
+    // A new size moves them along, backdrops with them.
+    canvas.view.resize(300, 400);
+    EXPECT_EQ(canvas.view.paneViews()[2]->frame(),
+              QRectF(300 * 0.7 - 25, 400 * 0.55 - 25, 300 * 0.3 + 50, 400 * 0.45 + 50));
+    EXPECT_EQ(canvas.view.backdropViews()[2]->frame(), canvas.view.paneViews()[2]->frame());
+}
+
+TEST(CollageCanvas, ABackdropCarriesItsPanesFeathersAndNoOther) {
+    Canvas canvas;
+    canvas.view.configure(photos(3), CollageLayoutOption::threeColumnsEqual);
+    const auto& panes = canvas.view.paneViews();
+    const auto& backdrops = canvas.view.backdropViews();
+    canvas.view.selectPane(1);
+    EXPECT_FALSE(panes[0]->isSelected());
+    EXPECT_TRUE(panes[1]->isSelected());
+    canvas.view.setSelectedPaneFeather(70, 5);
+    for (int i = 0; i < 3; ++i) {
+        const double h = i == 1 ? 70 : 25, v = i == 1 ? 5 : 25;
+        EXPECT_DOUBLE_EQ(panes[i]->horizontalFeather(), h) << i;
+        EXPECT_DOUBLE_EQ(panes[i]->verticalFeather(), v) << i;
+        EXPECT_DOUBLE_EQ(backdrops[i]->horizontalFeather(), h) << i;
+        EXPECT_DOUBLE_EQ(backdrops[i]->verticalFeather(), v) << i;
+    }
+    ASSERT_TRUE(canvas.settle());
+    EXPECT_EQ(backdrops[1]->maskRequest(), panes[1]->maskRequest());
+
+    int selectionChanges = 0;
+    canvas.view.onSelectionChanged = [&] { ++selectionChanges; };
+    canvas.view.resetSelectedPane();
+    EXPECT_EQ(selectionChanges, 1);
+    EXPECT_DOUBLE_EQ(backdrops[1]->horizontalFeather(), 25.0);
+    EXPECT_DOUBLE_EQ(backdrops[1]->verticalFeather(), 25.0);
+    EXPECT_EQ(canvas.view.selectedPaneFeather(), std::make_pair(25.0, 25.0));
+}
+
 TEST(CollageCanvas, GapLayoutOverhangsLessAndRatioChangesMovePanesWithoutRebuilding) {
     Canvas canvas(QSize(400, 400));
     canvas.view.configure(photos(2), CollageLayoutOption::twoColumnsEqualGap);

@@ -12,6 +12,7 @@
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
+#include <map>
 
 namespace {
 
@@ -211,4 +212,67 @@ TEST(TransformActionCellTest, DividerAndSelectionMarks) {
     EXPECT_TRUE(QRectF(second.rect()).contains(second.titleRect()));
     EXPECT_TRUE(QRectF(second.rect()).contains(second.selectionDotRect()));
     EXPECT_GT(paintedPixels(render(second)), 0);
+}
+
+namespace {
+
+// The brand badge of a ratio cell as a dark panel shows it at scale 1.
+QImage badgeAtScaleOne(CollageAspectRatioOption option) {
+    QWidget panel;
+    panel.setStyleSheet(QStringLiteral("background: rgb(28, 28, 28);"));
+    panel.resize(64, 64);
+    auto* cell = new AspectRatioOptionCell(&panel);
+    cell->setGeometry(0, 0, 64, 64);
+    cell->configure(option, false);
+    panel.show();
+    const QImage image = panel.grab().toImage();
+    EXPECT_EQ(image.devicePixelRatio(), 1.0);
+    return image.copy(cell->brandBadgeView()->geometry());
+}
+
+} // namespace
+
+TEST(AspectRatioOptionCellTest, BrandBadgesAreReadableAtScaleOneAndEachBrandLooksItsOwn) {
+    std::map<QString, QImage> badges;
+    for (CollageAspectRatioOption option : allCases<CollageAspectRatioOption>()) {
+        const auto brand = brandIconName(option);
+        if (!brand)
+            continue;
+        const QImage badge = badgeAtScaleOne(option);
+        ASSERT_GE(badge.width(), 16);
+        ASSERT_EQ(badge.width(), badge.height());
+        // A light mark on a darker ground, each clearly there, the mark neither a speck nor a blob.
+        int light = 0, ground = 0;
+        QRect mark;
+        for (int y = 0; y < badge.height(); ++y)
+            for (int x = 0; x < badge.width(); ++x) {
+                const int grey = qGray(badge.pixel(x, y));
+                if (grey >= 200) {
+                    ++light;
+                    mark |= QRect(x, y, 1, 1);
+                } else if (grey <= 140) {
+                    ++ground;
+                }
+            }
+        const int area = badge.width() * badge.height();
+        EXPECT_GE(light, area / 12) << brand->toStdString();
+        EXPECT_LE(light, area / 2) << brand->toStdString();
+        EXPECT_GE(ground, area * 2 / 5) << brand->toStdString();
+        EXPECT_GE(mark.height(), badge.height() * 3 / 8) << brand->toStdString();
+        badges[*brand] = badge;
+    }
+    ASSERT_EQ(badges.size(), 6u);
+    // Every brand differs from every other at a glance, not by a pixel or two.
+    for (auto a = badges.begin(); a != badges.end(); ++a)
+        for (auto b = std::next(a); b != badges.end(); ++b) {
+            double difference = 0;
+            for (int y = 0; y < a->second.height(); ++y)
+                for (int x = 0; x < a->second.width(); ++x) {
+                    const QRgb p = a->second.pixel(x, y), q = b->second.pixel(x, y);
+                    difference += std::abs(qRed(p) - qRed(q)) + std::abs(qGreen(p) - qGreen(q)) +
+                                  std::abs(qBlue(p) - qBlue(q));
+                }
+            difference /= 3.0 * a->second.width() * a->second.height();
+            EXPECT_GE(difference, 30.0) << a->first.toStdString() << " and " << b->first.toStdString();
+        }
 }

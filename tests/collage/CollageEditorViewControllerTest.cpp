@@ -1,5 +1,6 @@
 #include "collage/CollageEditorViewController.h"
 #include "collage/CollageCanvasView.h"
+#include "collage/CollageCell.h"
 #include "collage/CropViewController.h"
 #include "collage/FeatherOptionsView.h"
 #include "collage/FeatherSliderRow.h"
@@ -240,6 +241,76 @@ TEST(CollageEditor, SaveShowsTheShareScreenWithTheFlattenedCanvas) {
     EXPECT_EQ(share->fetchData, SavingtypeMethod::JPG);
     const QSizeF points = e.canvas()->canvasSize();
     EXPECT_EQ(share->shareImage->pixelSize(), (points * 3.0).toSize());
+}
+
+} // namespace
+
+namespace {
+
+// The light strokes of a white symbol drawn on a dark button, as the screen shows them at scale 1.
+QRect inkBounds(QWidget* widget) {
+    const QImage image = widget->grab().toImage();
+    QRect ink;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (qGray(image.pixel(x, y)) >= 160)
+                ink |= QRect(x, y, 1, 1);
+    return ink;
+}
+
+TEST(CollageEditor, SwitchingPanelsDirectlyShowsEveryOptionOfTheNewPanel) {
+    Editor e(photos(3));
+    const int layouts = static_cast<int>(e.editor->viewModel().layoutOptions().size());
+    struct Step {
+        CollageTool tool;
+        int count;
+        QSize item;
+        int panelHeight;
+    };
+    // From the closed state, then from one open panel straight to the next.
+    const Step steps[] = {
+        {CollageTool::ratio, 17, {64, 64}, 76},       {CollageTool::layout, layouts, {64, 64}, 76},
+        {CollageTool::ratio, 17, {64, 64}, 76},       {CollageTool::transform, 5, {64, 88}, 96},
+        {CollageTool::layout, layouts, {64, 64}, 76}, {CollageTool::feather, 0, {}, 130},
+        {CollageTool::transform, 5, {64, 88}, 96},    {CollageTool::ratio, 17, {64, 64}, 76}};
+    for (const Step& step : steps) {
+        e.editor->didSelectTool(toolIndex(step.tool));
+        QCoreApplication::processEvents();
+        const std::string panel = title(step.tool).toStdString();
+        ASSERT_EQ(e.editor->optionCells().size(), step.count) << panel;
+        EXPECT_EQ(e.editor->optionsPanelHeight(), step.panelHeight) << panel;
+        for (CollageCell* cell : e.editor->optionCells()) {
+            EXPECT_TRUE(cell->isVisible()) << panel;
+            EXPECT_EQ(cell->size(), step.item) << panel;
+            EXPECT_TRUE(cell->parentWidget()->rect().contains(cell->geometry())) << panel;
+        }
+        if (step.count > 0) {
+            // The first options can be seen on the screen, inside the open panel.
+            CollageCell* first = e.editor->optionCells().front();
+            EXPECT_EQ(first->visibleRegion().boundingRect(), first->rect()) << panel;
+            EXPECT_GE(first->mapTo(e.editor, QPoint(0, 0)).y(), e.canvas()->geometry().bottom()) << panel;
+        }
+    }
+}
+
+TEST(CollageEditor, ChevronsAreDrawnLargeEnoughToReadInTheirButtons) {
+    Editor e(photos(2));
+    auto* back = e.editor->findChild<QPushButton*>(QStringLiteral("backButton"));
+    ASSERT_NE(back, nullptr);
+    const QRect backInk = inkBounds(back);
+    EXPECT_GE(backInk.height(), 12) << "in a 32-point circle";
+    EXPECT_GE(backInk.width(), 7);
+    EXPECT_LE(backInk.height(), 24);
+    EXPECT_LE(std::abs(backInk.center().y() - back->height() / 2), 2);
+    EXPECT_LE(std::abs(backInk.center().x() - back->width() / 2), 3);
+
+    for (bool open : {false, true}) {
+        if (open)
+            e.editor->didSelectTool(toolIndex(CollageTool::layout));
+        const QRect ink = inkBounds(e.editor->expandChevronButton());
+        EXPECT_GE(ink.width(), 12) << (open ? "chevron.up" : "chevron.down");
+        EXPECT_GE(ink.height(), 6) << (open ? "chevron.up" : "chevron.down");
+    }
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 #include "platform/Screen.h"
 #include "support/TestSupport.h"
 
+#include "CollageTestSupport.h"
+
 #include <QGraphicsScene>
 #include <QPainter>
 #include <gtest/gtest.h>
@@ -58,6 +60,59 @@ TEST(CollagePane, RubberBandDampsOvershootAndClampsWithoutRoom) {
     EXPECT_DOUBLE_EQ(CollagePaneView::rubberBand(-100, 0, 100, 400),
                      -(100 * 400 * 0.55) / (400 + 100 * 0.55));
     EXPECT_DOUBLE_EQ(CollagePaneView::rubberBand(200, 0, 100, 0), 100);
+}
+
+// A wide canvas and a tall pane off its centre, so that neither axis can stand in for the other.
+TEST(CollagePane, TranslationLimitsLeave32PointsInsideOnEverySide) {
+    const QRectF canvas(0, 0, 600, 300);
+    const QRectF frame(100, -25, 150, 350);
+    const QPointF c = frame.center();
+    for (double scale : {1.0, 2.5}) {
+        const auto l = CollagePaneView::translationLimits(canvas, frame, scale);
+        const double pw = frame.width() * scale / 2, ph = frame.height() * scale / 2;
+        EXPECT_DOUBLE_EQ(c.x() + l.maxX - pw, 600 - 32.0) << scale; // its left edge 32 from the right
+        EXPECT_DOUBLE_EQ(c.x() + l.minX + pw, 32.0) << scale;       // its right edge 32 from the left
+        EXPECT_DOUBLE_EQ(c.y() + l.maxY - ph, 300 - 32.0) << scale;
+        EXPECT_DOUBLE_EQ(c.y() + l.minY + ph, 32.0) << scale;
+    }
+}
+
+TEST(CollagePane, EachAxisSpringsAgainstItsOwnLimitsAndDimension) {
+    QGraphicsScene scene(QRectF(0, 0, 600, 300));
+    auto* pane = new CollagePaneView;
+    scene.addItem(pane);
+    pane->setFrame(QRectF(100, -25, 150, 350));
+    pane->setIsSelected(true);
+    const auto l = CollagePaneView::translationLimits(scene.sceneRect(), pane->frame(), 1.0);
+
+    // Past the far side on both axes: each overshoot is damped against its own axis.
+    const QPointF far(l.maxX + 200, l.maxY + 120);
+    pane->translate(far.x(), far.y());
+    EXPECT_DOUBLE_EQ(pane->translation().x(), CollagePaneView::rubberBand(far.x(), l.minX, l.maxX, 600));
+    EXPECT_DOUBLE_EQ(pane->translation().y(), CollagePaneView::rubberBand(far.y(), l.minY, l.maxY, 300));
+    pane->clampTranslation(false);
+    EXPECT_EQ(pane->translation(), QPointF(l.maxX, l.maxY));
+
+    // And past the near side.
+    pane->translate(l.minX - l.maxX - 200, l.minY - l.maxY - 120);
+    EXPECT_DOUBLE_EQ(pane->translation().x(), CollagePaneView::rubberBand(l.minX - 200, l.minX, l.maxX, 600));
+    EXPECT_DOUBLE_EQ(pane->translation().y(), CollagePaneView::rubberBand(l.minY - 120, l.minY, l.maxY, 300));
+    pane->clampTranslation(false);
+    EXPECT_EQ(pane->translation(), QPointF(l.minX, l.minY));
+
+    // Exactly at a limit nothing is damped; inside, nothing changes.
+    pane->setTranslation(QPointF(l.maxX, l.minY));
+    pane->translate(0, 0);
+    EXPECT_EQ(pane->translation(), QPointF(l.maxX, l.minY));
+    pane->setTranslation(QPointF(10, -10));
+    pane->clampTranslation(false);
+    EXPECT_EQ(pane->translation(), QPointF(10, -10));
+
+    // A zoom widens the limits on both axes by the growth of the pane.
+    pane->zoom(2.0);
+    const auto wide = CollagePaneView::translationLimits(scene.sceneRect(), pane->frame(), 2.0);
+    EXPECT_DOUBLE_EQ(wide.maxX - l.maxX, 150 / 2.0);
+    EXPECT_DOUBLE_EQ(wide.maxY - l.maxY, 350 / 2.0);
 }
 
 TEST(CollagePane, EditingNeedsTheSelectionAndZoomStaysWithinLimits) {
@@ -118,16 +173,39 @@ TEST(CollagePane, FourQuarterTurnsDrawThePictureAsBefore) {
 
 TEST(CollagePane, LateMaskForOldFeathersIsDropped) {
     Screen::main().setScale(3.0);
-    PaneOnCanvas canvas(QRectF(0, 0, 173, 211)); // a size no other test uses, so nothing is cached
-    CollagePaneView* pane = canvas.pane;
+    // A size no other run uses, so the masks are built on the worker rather than found in the cache.
+    static int run = 0;
+    const QRectF frame(0, 0, 173 + run++, 211);
+    collagetest::WorkerHold hold;
+    QGraphicsScene scene(QRectF(0, 0, 400, 400));
+    auto* pane = new CollagePaneView;
+    pane->setFeatherMaskBuilder([gate = hold.gate()](double w, double h, double hf, double vf, double s) {
+        if (hf == 40.0)
+            gate();
+        return FeatherMask::make(w, h, hf, vf, s);
+    });
+    scene.addItem(pane);
+    pane->setFrame(frame);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !pane->hasPendingWork(); }));
+
+    // The 40-point mask is under way when the feathers change to 10; the 10-point mask lands first.
     pane->setFeathers(40, 40);
+    ASSERT_TRUE(hold.waitUntilHeld());
     pane->setFeathers(10, 10);
     ASSERT_TRUE(testsupport::waitUntil([&] { return !pane->hasPendingWork(); }));
+    auto alphaAt30 = [&] {
+        const QImage mask = pane->featherMask()->bitmap();
+        return qAlpha(mask.pixel(30, mask.height() / 2));
+    };
     ASSERT_NE(pane->featherMask(), nullptr);
-    // 10 points of ramp: full alpha 30 pixels in from the left edge, half-way up the pane.
-    const QImage mask = pane->featherMask()->bitmap();
-    EXPECT_EQ(qAlpha(mask.pixel(30, mask.height() / 2)), 255);
-    EXPECT_EQ(mask.size(), FeatherMask::pixelSize(173, 211, 3.0));
+    ASSERT_EQ(alphaAt30(), 255); // 10 points of ramp: full alpha 30 pixels in
+
+    // Then the old mask finishes: it must not replace the current one.
+    hold.release();
+    ASSERT_TRUE(collagetest::drainWorkers());
+    EXPECT_EQ(alphaAt30(), 255);
+    EXPECT_EQ(pane->featherMask()->pixelSize(), FeatherMask::pixelSize(frame.width(), frame.height(), 3.0));
+    EXPECT_EQ(pane->maskRequest(), (FeatherMaskLoader::Request{frame.size(), 10, 10}));
 }
 
 TEST(CollagePane, ASizeBelowOnePixelStillGetsAMask) {

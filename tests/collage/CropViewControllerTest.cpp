@@ -7,6 +7,7 @@
 
 #include <QAbstractButton>
 #include <QTest>
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -247,4 +248,31 @@ TEST(CropViewControllerTest, DoneGivesAStateAndCancelGivesNone) {
     empty.confirm();
     ASSERT_TRUE(result);
     EXPECT_FALSE(*result);
+}
+
+TEST(CropViewControllerTest, BottomBarFitsAPhoneWidthWithoutClippingItsTitles) {
+    // A big photo: its size figure is as long as it gets.
+    QImage big(8000, 6000, QImage::Format_RGB32);
+    big.fill(Qt::darkCyan);
+    CropViewController screen(Image::make(big));
+    screen.resize(390, 844);
+    screen.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&screen));
+    const std::vector<QAbstractButton*> bar = {screen.cancelButton(), screen.rotateButton(),
+                                               screen.resetButton(), screen.doneButton()};
+    for (std::size_t i = 0; i < bar.size(); ++i) {
+        QAbstractButton* button = bar[i];
+        const QString title = button->text();
+        EXPECT_GE(button->width(), button->sizeHint().width()) << title.toStdString();
+        EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(title)) << title.toStdString();
+        EXPECT_TRUE(screen.rect().contains(button->geometry())) << title.toStdString();
+        if (i > 0) { // left to right, apart
+            EXPECT_LE(bar[i - 1]->geometry().right(), button->geometry().left()) << title.toStdString();
+        }
+    }
+    for (QAbstractButton* chip : screen.findChildren<QAbstractButton*>()) {
+        if (std::find(bar.begin(), bar.end(), chip) == bar.end()) {
+            EXPECT_TRUE(screen.rect().contains(chip->geometry())) << chip->text().toStdString();
+        }
+    }
 }

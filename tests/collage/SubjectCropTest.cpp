@@ -1,5 +1,8 @@
 #include "collage/CollagePaneView.h"
+#include "collage/SubjectDetection.h"
 #include "support/TestSupport.h"
+
+#include "CollageTestSupport.h"
 
 #include <QFileInfo>
 #include <QGraphicsScene>
@@ -73,13 +76,27 @@ TEST(SubjectCrop, PersonNearTheEdgeMovesTheWindowOnlyToTheEdge) {
 TEST(SubjectCrop, ResultForAReplacedPhotoIsDropped) {
     const ImagePtr face = sample(QStringLiteral("messi5.jpg"));
     const ImagePtr fruit = sample(QStringLiteral("fruits.jpg"));
-    if (!face || !fruit)
-        FAIL() << "a bundled sample photo is missing";
+    ASSERT_TRUE(face && fruit) << "the sample photos are missing";
+    collagetest::WorkerHold hold;
+    auto faceResult = std::make_shared<std::optional<QRectF>>();
     Pane pane(QSizeF(100, 300));
+    // The face's detection is held until the photo has been replaced, then finds its face.
+    pane.pane->subjectDetector = [gate = hold.gate(), faceImage = face.get(),
+                                  faceResult](const Image& photo) {
+        if (&photo != faceImage)
+            return SubjectDetection::detectSubject(photo);
+        gate();
+        *faceResult = SubjectDetection::detectSubject(photo);
+        return *faceResult;
+    };
     pane.pane->setImage(face);
+    ASSERT_TRUE(hold.waitUntilHeld());
     pane.pane->setImage(fruit);
     ASSERT_TRUE(pane.settle());
-    testsupport::spin(50);
+    hold.release();
+    ASSERT_TRUE(collagetest::drainWorkers());
+
+    ASSERT_TRUE(faceResult->has_value()); // the late result was a real subject
     EXPECT_FALSE(pane.pane->subjectBoundingBox().has_value());
     EXPECT_EQ(pane.pane->contentsRect(), QRectF(0, 0, 1, 1));
 }

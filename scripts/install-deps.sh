@@ -13,6 +13,8 @@ PACKAGES=(
   gstreamer1.0-plugins-good gstreamer1.0-libav
   # vision and pixel work, with the Haar cascades and sample photographs
   libopencv-dev opencv-data opencv-doc
+  # face detection and the 68-point landmark model of the face swap service; a public-domain portrait
+  libdlib-dev libdlib-data python3-skimage
   # reduced decoding of photos: scaled-DCT JPEG, row-by-row PNG
   libturbojpeg0-dev libpng-dev
   # video
@@ -23,6 +25,11 @@ PACKAGES=(
   libhpdf-dev libcpp-httplib-dev
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev
+  # independent readers of the files the format sheets write (tests): djpeg, tiffinfo, rsvg-convert, xmllint
+  libjpeg-turbo-progs
+  libtiff-tools
+  librsvg2-bin
+  libxml2-utils
   # a display for the window on headless machines, fonts
   xvfb xauth fonts-dejavu-core fonts-noto-color-emoji
   # artwork generator: icon font, and the free faces behind the caption font list

@@ -1,5 +1,8 @@
-// AI blend templates: drawn studio portraits, each checked to hold one clearly detectable frontal face.
+// AI blend templates: drawn studio portraits under soft light, each checked to hold one frontal face that
+// both the app's detector and the face swap service's landmark model find where it is drawn.
 #include "Common.h"
+
+#include "FaceDetector.h"
 
 #include "resources/AssetNames.h"
 
@@ -8,6 +11,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QRadialGradient>
+#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/objdetect.hpp>
 
@@ -45,6 +49,11 @@ Person personFor(bool male, int item, int attempt) {
     person.hairStyle = rng.below(3);
     person.beard = male && rng.below(3) == 0;
     return person;
+}
+
+// 0 for the lightest skin of the set, about 0.6 for the darkest.
+double darkness(const Person& who) {
+    return std::clamp(1.0 - who.skin.lightnessF() * 1.25, 0.0, 1.0);
 }
 
 QImage drawPortrait(const Person& who) {
@@ -115,6 +124,18 @@ QImage drawPortrait(const Person& who) {
         p.setBrush(blush);
         p.drawEllipse(QPointF(cx + s * 52, cy + 45), 34, 34);
     }
+    // Key light from the upper left: the far side of the face turns away into shadow.
+    {
+        QLinearGradient side(cx - fw / 2, 0, cx + fw / 2 + 10, 0);
+        side.setColorAt(0, QColor(255, 255, 255, 28));
+        side.setColorAt(0.45, QColor(0, 0, 0, 0));
+        side.setColorAt(1, QColor(0, 0, 0, 45));
+        p.fillPath(face, side);
+        QLinearGradient chin(0, cy + fh * 0.25, 0, cy + fh / 2 + 6);
+        chin.setColorAt(0, QColor(0, 0, 0, 0));
+        chin.setColorAt(1, QColor(0, 0, 0, 40));
+        p.fillPath(face, chin);
+    }
     if (who.beard) {
         QColor beard = who.hair;
         beard.setAlphaF(0.75f);
@@ -151,6 +172,8 @@ QImage drawPortrait(const Person& who) {
         const QPointF e(cx + s * eyeX, eyeY);
         QRadialGradient socket(e, 36);
         QColor dark = who.skin.darker(150);
+        // On dark skin a deep socket swallows the eye and brow; keep it shallow there.
+        dark.setAlphaF(float(std::clamp(1.1 - 1.3 * darkness(who), 0.3, 1.0)));
         socket.setColorAt(0, dark);
         dark.setAlpha(0);
         socket.setColorAt(1, dark);
@@ -167,14 +190,52 @@ QImage drawPortrait(const Person& who) {
         p.setPen(QPen(QColor(35, 22, 18), who.male ? 3 : 4, Qt::SolidLine, Qt::RoundCap));
         p.setBrush(Qt::NoBrush);
         p.drawArc(QRectF(e.x() - 21, e.y() - 10, 42, 22), 15 * 16, 150 * 16);
-        p.setPen(QPen(who.hair.darker(140), who.male ? 9 : 6, Qt::SolidLine, Qt::RoundCap));
+        // Brows stay dark whatever the hair: they carry much of what makes a face a face to a detector.
+        p.setPen(QPen(mix(who.hair.darker(170), QColor(38, 26, 20), 0.55), who.male ? 10 : 7, Qt::SolidLine,
+                      Qt::RoundCap));
         QPainterPath brow;
         brow.moveTo(e.x() - s * 22, e.y() - 24);
         brow.quadTo(e.x() + s * 2, e.y() - 36, e.x() + s * 26, e.y() - 28);
         p.drawPath(brow);
         p.setPen(Qt::NoPen);
     }
-    // nose: a shaded ridge and the nostrils
+    // Sheen where the key light meets forehead, cheekbones and the bridge of the nose; strongest on dark
+    // skin, as a photographer lights it, and what keeps its features readable.
+    {
+        const int alpha = int(30 + 150 * darkness(who));
+        const struct {
+            QPointF at;
+            double rx, ry;
+            double strength;
+        } spots[] = {{{cx - 10, cy - 72}, 46, 24, 1.0},
+                     {{cx - 50, cy + 22}, 24, 14, 0.9},
+                     {{cx + 50, cy + 22}, 22, 13, 0.5},
+                     {{cx - 2, cy + 22}, 8, 26, 1.0}};
+        for (const auto& spot : spots) {
+            QRadialGradient sheen(spot.at, std::max(spot.rx, spot.ry));
+            sheen.setColorAt(0, QColor(255, 244, 230, int(alpha * spot.strength)));
+            sheen.setColorAt(1, QColor(255, 244, 230, 0));
+            p.setBrush(sheen);
+            p.drawEllipse(spot.at, spot.rx, spot.ry);
+        }
+    }
+    // nose: a lit ridge, its shadow side, a soft shadow under the tip, and the nostrils
+    {
+        QRadialGradient under(QPointF(cx + 4, cy + 56), 26);
+        QColor shade = who.skin.darker(160);
+        shade.setAlpha(110);
+        under.setColorAt(0, shade);
+        shade.setAlpha(0);
+        under.setColorAt(1, shade);
+        p.setBrush(under);
+        p.drawEllipse(QPointF(cx + 4, cy + 56), 26, 14);
+        QLinearGradient ridge(cx - 12, 0, cx + 14, 0);
+        ridge.setColorAt(0, QColor(255, 255, 255, 45));
+        ridge.setColorAt(0.5, QColor(0, 0, 0, 0));
+        ridge.setColorAt(1, QColor(0, 0, 0, 50));
+        p.setBrush(ridge);
+        p.drawRoundedRect(QRectF(cx - 12, cy + 4, 26, 48), 12, 12);
+    }
     p.setPen(QPen(who.skin.darker(145), 3, Qt::SolidLine, Qt::RoundCap));
     p.drawLine(QPointF(cx - 9, cy + 8), QPointF(cx - 13, cy + 46));
     p.setBrush(Qt::NoBrush);
@@ -184,7 +245,7 @@ QImage drawPortrait(const Person& who) {
     p.drawEllipse(QPointF(cx - 9, cy + 50), 4, 2.5);
     p.drawEllipse(QPointF(cx + 9, cy + 50), 4, 2.5);
     // mouth
-    const QColor lips = who.male ? who.skin.darker(135) : QColor(180, 60, 75);
+    const QColor lips = who.male ? mix(who.skin.darker(150), QColor(150, 70, 70), 0.35) : QColor(180, 60, 75);
     QPainterPath upper, lower;
     upper.moveTo(cx - 34, cy + 86);
     upper.cubicTo(cx - 16, cy + 74, cx - 6, cy + 78, cx, cy + 80);
@@ -195,8 +256,72 @@ QImage drawPortrait(const Person& who) {
     lower.cubicTo(cx + 18, cy + 104, cx - 18, cy + 104, cx - 34, cy + 86);
     p.fillPath(upper, lips.darker(110));
     p.fillPath(lower, lips);
+    // the parting line and the soft shadow under the lower lip
+    p.setPen(QPen(lips.darker(170), 2, Qt::SolidLine, Qt::RoundCap));
+    p.setBrush(Qt::NoBrush);
+    p.drawPath([&] {
+        QPainterPath line;
+        line.moveTo(cx - 33, cy + 86);
+        line.quadTo(cx, cy + 89, cx + 33, cy + 86);
+        return line;
+    }());
+    p.setPen(Qt::NoPen);
+    QRadialGradient lipShadow(QPointF(cx, cy + 108), 24);
+    QColor lipShade = who.skin.darker(150);
+    lipShade.setAlpha(90);
+    lipShadow.setColorAt(0, lipShade);
+    lipShade.setAlpha(0);
+    lipShadow.setColorAt(1, lipShade);
+    p.setBrush(lipShadow);
+    p.drawEllipse(QPointF(cx, cy + 108), 24, 9);
     p.end();
     return image;
+}
+
+// Turns the drawing into something nearer a photograph: a soft lens, light falling from the upper left with a
+// vignette, fine grain and a faint mottling of skin, so a real face blended in does not look pasted on.
+QImage photographic(const QImage& drawing, std::uint32_t seed) {
+    QImage image = drawing.convertToFormat(QImage::Format_RGB32);
+    cv::Mat view(image.height(), image.width(), CV_8UC4, image.bits(), size_t(image.bytesPerLine()));
+    cv::GaussianBlur(view, view, cv::Size(0, 0), 0.8);
+    Rng grain(seed);
+    const double diagonal = std::hypot(double(width), double(height));
+    for (int y = 0; y < image.height(); ++y) {
+        auto* row = view.ptr<cv::Vec4b>(y);
+        for (int x = 0; x < image.width(); ++x) {
+            const double light = 1.06 - 0.16 * (x + 0.6 * y) / (width + 0.6 * height);
+            const double r = std::hypot(x - width * 0.45, y - height * 0.4) / diagonal;
+            const double vignette = 1.0 - 0.25 * r * r;
+            const double mottle = 3.0 * (fbm(x / 9.0, y / 9.0, seed, 2) - 0.5);
+            const double noise = 2.2 * (grain.uniform() + grain.uniform() + grain.uniform() - 1.5);
+            for (int c = 0; c < 3; ++c)
+                row[x][c] = cv::saturate_cast<uchar>(row[x][c] * light * vignette + mottle + noise);
+        }
+    }
+    return image;
+}
+
+// The face swap service's own detector and landmarks. Only the detector is per thread; the shape model
+// is shared.
+const lumivex::faceswap::FaceDetector& landmarkDetector() {
+    thread_local const lumivex::faceswap::FaceDetector detector(lumivex::faceswap::kDefaultLandmarkModel);
+    return detector;
+}
+
+// The service finds exactly one face and places its eyes and mouth on the drawn ones, so any real face
+// swapped in lands where the template's features are.
+bool landmarksFitDrawing(const cv::Mat& bgr) {
+    const lumivex::faceswap::FaceDetector& detector = landmarkDetector();
+    if (!detector.isReady())
+        return true; // no landmark model installed: nothing to check against
+    const std::vector<lumivex::faceswap::Face> faces = detector.detect(bgr);
+    if (faces.size() != 1 || faces[0].score < 0.15)
+        return false;
+    const double cx = width / 2.0, eyeY = 264, mouthY = 356;
+    const lumivex::faceswap::Face& f = faces[0];
+    return cv::norm(f.leftEye() - cv::Point2f(float(cx - 40), float(eyeY))) < 10 &&
+           cv::norm(f.rightEye() - cv::Point2f(float(cx + 40), float(eyeY))) < 10 &&
+           cv::norm(f.mouth() - cv::Point2f(float(cx), float(mouthY))) < 14;
 }
 
 // One clearly detectable face, of a size that fits a studio portrait.
@@ -209,13 +334,14 @@ bool hasClearFace(const QImage& portrait) {
     QBuffer buffer(&stored);
     buffer.open(QIODevice::WriteOnly);
     portrait.save(&buffer, "jpg", jpegQuality);
-    QImage grey = QImage::fromData(stored, "jpg").convertToFormat(QImage::Format_Grayscale8);
-    cv::Mat view(grey.height(), grey.width(), CV_8UC1, grey.bits(), size_t(grey.bytesPerLine()));
-    cv::Mat equalised;
+    const cv::Mat decoded =
+        cv::imdecode(cv::Mat(1, int(stored.size()), CV_8U, stored.data()), cv::IMREAD_COLOR);
+    cv::Mat view, equalised;
+    cv::cvtColor(decoded, view, cv::COLOR_BGR2GRAY);
     cv::equalizeHist(view, equalised);
     std::vector<cv::Rect> faces;
     cascade.detectMultiScale(equalised, faces, 1.1, 3, 0, cv::Size(60, 60));
-    return faces.size() == 1 && faces[0].width > width / 4;
+    return faces.size() == 1 && faces[0].width > width / 4 && landmarksFitDrawing(decoded);
 }
 
 QImage portrait(bool male, int item) {
@@ -223,7 +349,8 @@ QImage portrait(bool male, int item) {
     // the chosen one is the same on every run.
     QImage image;
     for (int attempt = 0; attempt < 24; ++attempt) {
-        image = drawPortrait(personFor(male, item, attempt));
+        image = photographic(drawPortrait(personFor(male, item, attempt)),
+                             std::uint32_t((male ? 9000 : 9500) + item * 131 + attempt));
         if (hasClearFace(image))
             return image;
     }

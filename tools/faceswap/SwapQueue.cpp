@@ -1,7 +1,5 @@
 #include "SwapQueue.h"
 
-#include "FaceSwap.h"
-
 #include <random>
 
 namespace lumivex::faceswap {
@@ -21,25 +19,40 @@ std::string newTaskId() {
 }
 
 SwapQueue::SwapQueue(Options options) : options_(std::move(options)) {
+    // OpenCV builds its Lab tables on first use without a lock; two workers racing there leak one copy.
+    prepareColourTables();
+    // The landmark model is read once here, so the service is ready to swap when it starts listening.
+    FaceDetector preload(options_.landmarkModel);
     const int count = std::max(1, options_.workers);
+    running_ = count;
     for (int i = 0; i < count; ++i)
-        workers_.emplace_back([this] { work(); });
+        workers_.emplace_back([this] {
+            work();
+            std::lock_guard lock(mutex_);
+            --running_;
+            ended_.notify_all();
+        });
 }
 
 SwapQueue::~SwapQueue() {
     shutdown();
-}
-
-void SwapQueue::shutdown() {
-    {
-        std::lock_guard lock(mutex_);
-        stopping_ = true;
-        waiting_.clear();
-    }
-    wake_.notify_all();
     for (std::thread& t : workers_)
         if (t.joinable())
             t.join();
+}
+
+bool SwapQueue::shutdown(std::chrono::milliseconds patience) {
+    std::unique_lock lock(mutex_);
+    stopping_ = true;
+    cancel_ = true;
+    waiting_.clear();
+    wake_.notify_all();
+    const auto done = [this] { return running_ == 0; };
+    if (patience == std::chrono::milliseconds::max())
+        ended_.wait(lock, done);
+    else
+        ended_.wait_for(lock, patience, done);
+    return done();
 }
 
 std::optional<std::string> SwapQueue::submit(SwapJob job) {
@@ -70,8 +83,8 @@ void SwapQueue::forgetExpired(std::chrono::steady_clock::time_point now) {
 }
 
 void SwapQueue::work() {
-    // Cascades keep scratch state, so every worker loads its own.
-    FaceSwapper swapper(options_.cascadeDir);
+    // The detector keeps scratch state, so every worker has its own; the landmark model is shared.
+    const FaceSwapper swapper(options_.landmarkModel, options_.limits);
     for (;;) {
         std::pair<std::string, SwapJob> next;
         {
@@ -85,15 +98,17 @@ void SwapQueue::work() {
         SwapOutcome outcome;
         if (!swapper.isReady()) {
             outcome.status = 500;
-            outcome.reason = "The face detector could not be loaded from " + options_.cascadeDir;
+            outcome.reason = "The face landmark model could not be loaded from " + options_.landmarkModel;
         } else {
-            outcome = swapper.swapEncoded(next.second.source, next.second.target, next.second.faceIndex);
+            outcome =
+                swapper.swapEncoded(next.second.source, next.second.target, next.second.faceIndex, &cancel_);
         }
         TaskStatus done;
         if (outcome.ok()) {
             done.kind = TaskStatus::Kind::Done;
             done.status = 200;
-            done.body.assign(outcome.jpeg.begin(), outcome.jpeg.end());
+            done.body.assign(outcome.image.begin(), outcome.image.end());
+            done.contentType = outcome.contentType;
         } else {
             done.kind = TaskStatus::Kind::Failed;
             done.status = outcome.status;

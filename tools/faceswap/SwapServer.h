@@ -5,9 +5,8 @@
 // error status with a plain-text reason when it failed. An id that is unknown or whose result has expired
 // gets 410, never 404, because clients keep polling as long as they see 404.
 
+#include "GuardedHttpServer.h"
 #include "SwapQueue.h"
-
-#include <httplib.h>
 
 #include <chrono>
 #include <cstddef>
@@ -24,7 +23,9 @@ struct ServerOptions {
     std::size_t queueCapacity = 32;
     std::chrono::milliseconds resultLifetime = std::chrono::minutes(10);
     std::size_t maxUploadBytes = 25u << 20;
-    std::string cascadeDir = LUMIVEX_HAAR_CASCADE_DIR;
+    std::string landmarkModel = kDefaultLandmarkModel;
+    SwapLimits limits;
+    ConnectionLimits connections;
     // Receives one line per request; empty writes to standard error.
     std::function<void(const std::string&)> log;
 };
@@ -43,12 +44,16 @@ public:
     // Serves until stop(); run() blocks, start() serves on a thread of its own.
     bool run();
     void start();
+    // Closes the listening socket and every connection; returns when no request is being served.
     void stop();
+    // Stops the swaps as well: waiting ones are dropped, running ones abandoned at their next step. True
+    // when every worker has ended within `patience`.
+    bool stopSwaps(std::chrono::milliseconds patience);
 
 private:
     ServerOptions options_;
     SwapQueue queue_;
-    httplib::Server http_;
+    GuardedHttpServer http_;
     std::thread thread_;
     int port_ = -1;
     socket_t listenSocket_ = -1;
@@ -56,10 +61,15 @@ private:
 
     void handleSwap(const httplib::Request& req, httplib::Response& res);
     void handleResult(const httplib::Request& req, httplib::Response& res);
+    void explainError(const httplib::Request& req, httplib::Response& res);
     void logLine(const httplib::Request& req, const httplib::Response& res);
 };
 
 // True when the bytes start like a photo format the decoder reads (JPEG, PNG, WebP, BMP, TIFF).
 bool looksLikeImage(const std::string& bytes);
+
+// Bytes as one printable line: control characters, backslashes and bytes outside ASCII become \xNN, so a
+// client cannot forge log lines or send escape sequences to a terminal.
+std::string escapeForLog(const std::string& text);
 
 } // namespace lumivex::faceswap

@@ -2,6 +2,7 @@
 
 #include "SwapServer.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
@@ -13,7 +14,7 @@ namespace {
 
 void usage(std::ostream& out) {
     out << "usage: lumivex-faceswap [--host ADDR] [--port N] [--workers N] [--queue N]\n"
-           "                        [--result-minutes N] [--max-upload-mb N] [--cascades DIR]\n";
+           "                        [--result-minutes N] [--max-upload-mb N] [--landmarks FILE]\n";
 }
 
 bool readNumber(const char* text, long min, long max, long& value) {
@@ -41,8 +42,8 @@ int main(int argc, char** argv) {
         bool ok = true;
         if (arg == "--host")
             options.host = value;
-        else if (arg == "--cascades")
-            options.cascadeDir = value;
+        else if (arg == "--landmarks")
+            options.landmarkModel = value;
         else if (arg == "--port" && (ok = readNumber(value, 0, 65535, n)))
             options.port = int(n);
         else if (arg == "--workers" && (ok = readNumber(value, 1, 64, n)))
@@ -88,5 +89,10 @@ int main(int argc, char** argv) {
     // If serving ended on its own, wake the waiter so it can be joined.
     kill(getpid(), SIGTERM);
     waiter.join();
+    // A swap of a large photo can take seconds; a stopping service does not wait for it.
+    if (!server.stopSwaps(std::chrono::seconds(2))) {
+        std::cerr << "lumivex-faceswap: abandoning the running swap" << std::endl;
+        std::_Exit(0);
+    }
     return served ? 0 : 1;
 }

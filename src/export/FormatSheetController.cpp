@@ -3,10 +3,12 @@
 #include "export/FileTypeRowView.h"
 #include "export/SavingTypeController.h"
 #include "platform/Dispatch.h"
+#include "platform/ProgressHud.h"
 #include "platform/ShareSheet.h"
 #include "platform/Storyboard.h"
 #include "platform/Video.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
 #include <QPointer>
@@ -117,6 +119,34 @@ void FormatSheetController::savingMethodChosen(SavingtypeMethod type) {
         if (self->delegate)
             self->delegate->newSavingMethodChosen(type);
     });
+}
+
+void FormatSheetController::backAction() {
+    dismissSheet();
+}
+
+void FormatSheetController::showBusy() {
+    busy_ = true;
+    ProgressHud::show(QStringLiteral("Please Wait..."));
+}
+
+void FormatSheetController::hideBusy() {
+    busy_ = false;
+    ProgressHud::dismiss();
+}
+
+bool FormatSheetController::eventFilter(QObject* watched, QEvent* event) {
+    // Watched on the whole application while shown: the busy indicator takes the keyboard focus, and the
+    // key must reach the sheet through it. Only the topmost sheet of this window answers.
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape &&
+        watched->isWidgetType() && static_cast<QWidget*>(watched)->window() == window() && isVisible() &&
+        !presentedViewController()) {
+        if (busy_)
+            hideBusy();
+        dismissSheet();
+        return true;
+    }
+    return BottomSheetController::eventFilter(watched, event);
 }
 
 ImagePtr FormatSheetController::uprightImage(const ImagePtr& image) {

@@ -40,6 +40,9 @@ public:
     SavingTypeController* openSavingTypeChooser();
     void savingMethodChosen(SavingtypeMethod type) override;
 
+    // Clears the veil and dismisses animated.
+    void backAction();
+
     FileTypeRowView* fileTypeRow() const { return fileTypeRow_; }
     QLabel* infoLabel() const { return infoLabel_; }
 
@@ -56,7 +59,16 @@ protected:
     // Sheets that can play video (MP4) do not show the notice about playback.
     virtual bool showsVideoInformation() const { return true; }
 
+    // The busy indicator of a save in progress. A failed save leaves it up, blocking the sheet; Escape
+    // then still closes the sheet and takes the indicator with it, so the user is never stuck.
+    void showBusy();
+    void hideBusy();
+    bool isBusy() const { return busy_; }
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    bool busy_ = false;
     FileTypeRowView* fileTypeRow_ = nullptr;
     QLabel* infoLabel_ = nullptr;
     QVBoxLayout* contentLayout_ = nullptr;

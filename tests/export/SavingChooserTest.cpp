@@ -138,9 +138,9 @@ TEST_F(Chooser, DragStartedOnARowMovesTheSheetInsteadOfPickingTheRow) {
 
 // Each row, clicked, stands for its own format; the titles say which.
 TEST_F(Chooser, EveryRowPicksItsOwnFormat) {
-    const QList<SavingtypeMethod> formats = {SavingtypeMethod::JPG,      SavingtypeMethod::PNG,
+    const QList<SavingtypeMethod> formats = {SavingtypeMethod::JPG,         SavingtypeMethod::PNG,
                                              SavingtypeMethod::PDFStandard, SavingtypeMethod::PDFPrint,
-                                             SavingtypeMethod::SVG,      SavingtypeMethod::MP4Video,
+                                             SavingtypeMethod::SVG,         SavingtypeMethod::MP4Video,
                                              SavingtypeMethod::TIFF};
     const QStringList titles = {"JPG", "PNG", "PDF Standard", "PDF Print", "SVG", "MP4 Video", "TIFF"};
     for (int row = 0; row < formats.size(); ++row) {

@@ -1,14 +1,15 @@
 #!/bin/sh
 # Runs the mask and backdrop benchmarks and prints each against its yardstick, as a ratio of mean
 # real times (lower is better): BM_FeatherMask / BM_WriteFloor, BM_BackdropBlur / BM_BackdropBlurOpenCV and
-# BM_ApplyLook12MP / BM_ApplyLookFFmpeg (a colour look on 12 MP against FFmpeg's lut3d, both on one thread).
+# BM_ApplyLook12MP / BM_ApplyLookFFmpeg (a colour look on 12 MP against FFmpeg's lut3d, both on one thread) and
+# BM_FaceSwap / BM_SeamlessCloneOpenCV (a whole swap of a 12 MP photo against its Poisson blend alone).
 # Usage: bench/compare.sh [path/to/lumivex_bench] [repetitions]
 set -eu
 bench=${1:-build/bin/lumivex_bench}
 reps=${2:-5}
 out=$(mktemp)
 trap 'rm -f "$out"' EXIT
-"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV|FeatherDragMainThread|ApplyLook12MP|ApplyLookFFmpeg|ApplyLook12MPPool)(/|$)' \
+"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV|FeatherDragMainThread|ApplyLook12MP|ApplyLookFFmpeg|ApplyLook12MPPool|FaceSwap|SeamlessCloneOpenCV)(/|$)' \
     --benchmark_repetitions="$reps" --benchmark_report_aggregates_only=true \
     --benchmark_format=json >"$out"
 python3 - "$out" <<'PY'
@@ -22,7 +23,8 @@ def stat(name, agg):
     raise SystemExit("missing " + name)
 for num, den, target in (("BM_FeatherMask", "BM_WriteFloor", 2.0),
                          ("BM_BackdropBlur", "BM_BackdropBlurOpenCV", 1.0),
-                         ("BM_ApplyLook12MP", "BM_ApplyLookFFmpeg", 0.25)):
+                         ("BM_ApplyLook12MP", "BM_ApplyLookFFmpeg", 0.25),
+                         ("BM_FaceSwap", "BM_SeamlessCloneOpenCV", 25.0)):
     (a, ua), (b, ub) = stat(num, "mean"), stat(den, "mean")
     (ma, _), (mb, _) = stat(num, "median"), stat(den, "median")
     assert ua == ub, "time units differ"

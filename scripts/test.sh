@@ -8,6 +8,7 @@ extra=()
 if [ "${LUMIVEX_SANITIZE:-0}" = "1" ]; then
   export LUMIVEX_BUILD_DIR="${LUMIVEX_BUILD_DIR:-$root/build-asan}"
   extra+=(-DLUMIVEX_SANITIZE=ON)
+  export LSAN_OPTIONS="suppressions=$root/scripts/lsan.supp${LSAN_OPTIONS:+:$LSAN_OPTIONS}"
 fi
 build="${LUMIVEX_BUILD_DIR:-$root/build}"
 bash "$root/scripts/build.sh" -DLUMIVEX_WERROR=ON "${extra[@]}"

@@ -42,6 +42,9 @@ protected:
     void SetUp() override {
         registerExportScreens();
         qputenv("LUMIVEX_DOCUMENTS_DIR", documents.path().toUtf8());
+        // The TIFFs the program keeps in the temporary folder go where the test cleans up.
+        savedTmpdir = qgetenv("TMPDIR");
+        qputenv("TMPDIR", temporaries.path().toUtf8());
         Screen::main().setScale(3);
         album = std::make_unique<PhotoLibrary>(albumDir.path());
         window.resize(390, 844);
@@ -50,10 +53,11 @@ protected:
     }
     void TearDown() override {
         qunsetenv("LUMIVEX_DOCUMENTS_DIR");
+        if (savedTmpdir.isEmpty())
+            qunsetenv("TMPDIR");
+        else
+            qputenv("TMPDIR", savedTmpdir);
         ProgressHud::dismiss();
-        for (const SaveModelDetails& details : receiver.received)
-            if (details.saveType == SavingtypeMethod::TIFF && details.sharedURL)
-                QFile::remove(*details.sharedURL);
     }
 
     template <typename Sheet> Sheet* open(ImagePtr image) {
@@ -68,6 +72,8 @@ protected:
 
     QStringList albumFiles() const { return QDir(albumDir.path()).entryList(QDir::Files); }
 
+    QTemporaryDir temporaries;
+    QByteArray savedTmpdir;
     QTemporaryDir documents;
     QTemporaryDir albumDir;
     std::unique_ptr<PhotoLibrary> album;

@@ -53,6 +53,9 @@ protected:
     void SetUp() override {
         registerExportScreens();
         qputenv("LUMIVEX_DOCUMENTS_DIR", documents.path().toUtf8());
+        // The TIFFs the program keeps in the temporary folder go where the test cleans up.
+        savedTmpdir = qgetenv("TMPDIR");
+        qputenv("TMPDIR", temporaries.path().toUtf8());
         Screen::main().setScale(3);
         ShareSheet::resetPresentationRecord();
         album = std::make_unique<PhotoLibrary>(albumDir.path());
@@ -63,8 +66,10 @@ protected:
     }
     void TearDown() override {
         qunsetenv("LUMIVEX_DOCUMENTS_DIR");
-        if (editor->chain->enumType == SavingtypeMethod::TIFF && editor->chain->finalURL)
-            QFile::remove(*editor->chain->finalURL);
+        if (savedTmpdir.isEmpty())
+            qunsetenv("TMPDIR");
+        else
+            qputenv("TMPDIR", savedTmpdir);
     }
 
     // Opens the chooser from the editor and clicks the row of `type`; answers the sheet it opened.
@@ -89,6 +94,8 @@ protected:
 
     QStringList albumFiles() const { return QDir(albumDir.path()).entryList(QDir::Files, QDir::Name); }
 
+    QTemporaryDir temporaries;
+    QByteArray savedTmpdir;
     QTemporaryDir documents;
     QTemporaryDir albumDir;
     std::unique_ptr<PhotoLibrary> album;
@@ -150,7 +157,6 @@ TEST_F(SavingChain, TiffAndSvgReachTheShareScreenWithTheirFiles) {
     EXPECT_NE(share->shareImageView()->image(), share->shareImage);
     EXPECT_EQ(share->shareImageView()->image()->pixelSize(), QSize(240, 160));
     EXPECT_EQ(albumFiles().size(), 1);
-    const QString tiffPath = *share->sharevideoURL;
     editor->dismiss(false);
 
     auto* svg = choose<SVGController>(SavingtypeMethod::SVG);
@@ -165,7 +171,6 @@ TEST_F(SavingChain, TiffAndSvgReachTheShareScreenWithTheirFiles) {
     EXPECT_EQ(run(QStringLiteral("xmllint"), {QStringLiteral("--noout"), svgPath}).exitCode, 0);
     EXPECT_EQ(albumFiles().size(), 1); // an SVG goes nowhere but the documents folder
     EXPECT_TRUE(testsupport::waitUntil([&] { return ShareSheet::lastPresentedItem().filePath == svgPath; }));
-    QFile::remove(tiffPath);
 }
 
 TEST_F(SavingChain, AnotherFormatFromInsideASheetStartsOverWithANewSnapshot) {

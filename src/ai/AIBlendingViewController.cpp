@@ -142,8 +142,9 @@ void AIBlendingViewController::handlePickerResults(std::vector<PickerResult> res
         return;
     }
     QPointer<AIBlendingViewController> self(this);
-    // A photo that does not decode leaves everything as it is, without a word.
-    results.front().itemProvider->loadImage([self](ImagePtr image, QString) {
+    // A photo that does not decode leaves everything as it is, without a word. The photo goes to the
+    // service with all its pixels, so it is read whole rather than at display size.
+    results.front().itemProvider->loadFullResolutionImage([self](ImagePtr image, QString) {
         if (!image)
             return;
         Dispatch::main().async([self, image] {

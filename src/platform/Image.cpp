@@ -354,8 +354,12 @@ std::optional<Decoded> decode(const QByteArray& data, const DecodeOptions& optio
     const QSize wanted = plan.covering(coverFactor(size, options.coverSize));
     QSize target = wanted;
     // Readers that cannot decode reduced hold the whole picture for a moment before it is scaled.
-    const std::int64_t fullStep = plan.reduction == Reduction::afterDecode ? bytesFor(size) : 0;
-    auto cost = [&](QSize decoded) { return bytesFor(decoded) + (decoded == size ? 0 : fullStep); };
+    // The file's bytes are held as well until the pixels are out.
+    const std::int64_t fullStep =
+        data.size() + (plan.reduction == Reduction::afterDecode ? bytesFor(size) : 0);
+    auto cost = [&](QSize decoded) {
+        return bytesFor(decoded) + (decoded == size ? std::int64_t(data.size()) : fullStep);
+    };
     std::optional<PhotoMemoryBudget::Reservation> hold;
     if (options.budget) {
         hold = options.budget->reserve(cost(target));

@@ -25,7 +25,9 @@ constexpr int workingSide = 640;
 // to about 0.6) while people standing in a room or a street score about 0.9 to 2.
 constexpr double hogHitThreshold = 0.5;
 constexpr double hogGroupThreshold = 2.0;
-constexpr double hogScaleStep = 1.05;
+// A step of 10 % between pyramid levels instead of 5 % halves the levels; the windows overlap enough at
+// either step that the same people are found on every photo we test against.
+constexpr double hogScaleStep = 1.1;
 const cv::Size hogStride(8, 8);
 // Lets a person cut by the picture's edge still fill a window.
 const cv::Size hogPadding(8, 8);
@@ -34,7 +36,9 @@ const cv::Size hogPadding(8, 8);
 // gave no false face on several dozen pictures of fruit, buildings, boards and paintings, where "default"
 // and "alt2" saw faces in a football shirt, a sudoku grid, playing cards and brush strokes.
 constexpr const char* faceCascadeFile = "haarcascade_frontalface_alt.xml";
-constexpr double faceScaleStep = 1.1;
+// The face pass is the dearest part of taking in a photo. Steps of 20 % scan about half the pixels that
+// 10 % did and still find every test face (the LBP models, three times faster again, lose some of them).
+constexpr double faceScaleStep = 1.2;
 constexpr int faceMinNeighbours = 4;
 constexpr double faceMinFraction = 0.03;
 

@@ -6,6 +6,7 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageWriter>
 #include <QTemporaryDir>
 #include <fstream>
@@ -200,8 +201,10 @@ TEST(PhotoDecode, PastTheBudgetPhotosComeSmallerThenAreRefusedUntilOneIsDropped)
     const QString path = writeJpeg(dir, "photo.jpg", markedCorners(1600, 1200));
     const QSize box(600, 800); // 1600 × 1200 covers it at 1/2: 800 × 600
     const std::int64_t wanted = bytesOf(QSize(800, 600));
+    // The file's bytes count while it is decoded.
+    const std::int64_t file = QFileInfo(path).size();
     // Room for two, then for a 3/8 step, and a little that no step fits in.
-    PhotoMemoryBudget budget(wanted * 2 + bytesOf(QSize(600, 450)) + 1000);
+    PhotoMemoryBudget budget(wanted * 2 + bytesOf(QSize(600, 450)) + file + 1000);
 
     std::vector<ImagePtr> held;
     for (int i = 0; i < 2; ++i) {
@@ -223,7 +226,7 @@ TEST(PhotoDecode, PastTheBudgetPhotosComeSmallerThenAreRefusedUntilOneIsDropped)
         << error.toStdString();
 
     // A step below half the wanted sides is not worth having: room for an eighth still refuses.
-    PhotoMemoryBudget scant(bytesOf(QSize(200, 150)) + 1000);
+    PhotoMemoryBudget scant(bytesOf(QSize(200, 150)) + file + 1000);
     EXPECT_FALSE(Image::fromFile(path, coverOptions(box, &scant)));
     EXPECT_EQ(scant.used(), 0);
 
@@ -264,7 +267,7 @@ TEST(PhotoDecode, FullResolutionGoesBackToTheFile) {
     EXPECT_EQ(Image::fullResolution(full, &budget), full); // already whole
 
     // A budget with room for less gives the largest that fits, saying so.
-    PhotoMemoryBudget tight(bytesOf(QSize(3000, 2250)) + bytesOf(QSize(3500, 2625)));
+    PhotoMemoryBudget tight(bytesOf(QSize(3000, 2250)) + bytesOf(QSize(3500, 2625)) + QFileInfo(path).size());
     const ImagePtr held = Image::fromFile(path, coverOptions(ItemProvider::displayPixelSize, &tight));
     ASSERT_TRUE(held);
     const ImagePtr larger = Image::fullResolution(held, &tight, &error);

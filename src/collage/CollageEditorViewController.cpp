@@ -16,6 +16,7 @@
 #include "platform/Alert.h"
 #include "platform/Animations.h"
 #include "platform/Assets.h"
+#include "platform/PhotoMemoryBudget.h"
 #include "platform/PhotoPicker.h"
 #include "platform/Storyboard.h"
 
@@ -555,7 +556,8 @@ void CollageEditorViewController::presentCropper() {
     const auto index = canvasView_->selectedIndex();
     if (!index)
         return;
-    ImagePtr photo = viewModel_->image(*index);
+    // The crop is cut from every pixel of the file, not from the reduced copy the pane shows.
+    ImagePtr photo = Image::fullResolution(viewModel_->image(*index), &PhotoMemoryBudget::shared());
     if (!photo)
         return;
     pendingCropPaneIndex_ = index;

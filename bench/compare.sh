@@ -9,7 +9,7 @@ bench=${1:-build/bin/lumivex_bench}
 reps=${2:-5}
 out=$(mktemp)
 trap 'rm -f "$out"' EXIT
-"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV|FeatherDragMainThread|ApplyLook12MP|ApplyLookFFmpeg|ApplyLook12MPPool|FaceSwap|SeamlessCloneOpenCV)(/|$)' \
+"$bench" --benchmark_filter='^BM_(FeatherMask|WriteFloor|BackdropBlur|BackdropBlurOpenCV|FeatherDragMainThread|ApplyLook12MP|ApplyLookFFmpeg|ApplyLook12MPPool|FaceSwap|SeamlessCloneOpenCV|IntakeEightPhotos|DecodeEightPhotosOpenCV)(/|$)' \
     --benchmark_repetitions="$reps" --benchmark_report_aggregates_only=true \
     --benchmark_format=json >"$out"
 python3 - "$out" <<'PY'
@@ -24,7 +24,8 @@ def stat(name, agg):
 for num, den, target in (("BM_FeatherMask", "BM_WriteFloor", 2.0),
                          ("BM_BackdropBlur", "BM_BackdropBlurOpenCV", 1.0),
                          ("BM_ApplyLook12MP", "BM_ApplyLookFFmpeg", 0.25),
-                         ("BM_FaceSwap", "BM_SeamlessCloneOpenCV", 25.0)):
+                         ("BM_FaceSwap", "BM_SeamlessCloneOpenCV", 25.0),
+                         ("BM_IntakeEightPhotos", "BM_DecodeEightPhotosOpenCV", 1.0)):
     (a, ua), (b, ub) = stat(num, "mean"), stat(den, "mean")
     (ma, _), (mb, _) = stat(num, "median"), stat(den, "median")
     assert ua == ub, "time units differ"
@@ -37,3 +38,6 @@ print(f"BM_FeatherDragMainThread: {drag * scale:.3f} ms of main-thread work per 
 pool, unit = stat("BM_ApplyLook12MPPool", "mean")
 print(f"BM_ApplyLook12MPPool: {pool:.1f} {unit} for the 12 MP look on the whole worker pool")
 PY
+# Peak memory of one intake, each in a process of its own (targets: 400 MB for the photos, 1.5 GB for the PNGs).
+"$bench" --intake-peak=photos
+"$bench" --intake-peak=huge-png

@@ -251,28 +251,29 @@ TEST(CropViewControllerTest, DoneGivesAStateAndCancelGivesNone) {
 }
 
 TEST(CropViewControllerTest, BottomBarFitsAPhoneWidthWithoutClippingItsTitles) {
-    // A big photo: its size figure is as long as it gets.
+    // A big photo: its size figure is as long as it gets. The screen fills a phone-wide window.
     QImage big(8000, 6000, QImage::Format_RGB32);
     big.fill(Qt::darkCyan);
-    CropViewController screen(Image::make(big));
-    screen.resize(390, 844);
-    screen.show();
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&screen));
-    const std::vector<QAbstractButton*> bar = {screen.cancelButton(), screen.rotateButton(),
-                                               screen.resetButton(), screen.doneButton()};
+    QWidget window;
+    window.setFixedSize(390, 844);
+    auto* screen = new CropViewController(Image::make(big), std::nullopt, &window);
+    screen->setGeometry(window.rect());
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    const std::vector<QAbstractButton*> bar = {screen->cancelButton(), screen->rotateButton(),
+                                               screen->resetButton(), screen->doneButton()};
     for (std::size_t i = 0; i < bar.size(); ++i) {
         QAbstractButton* button = bar[i];
-        const QString title = button->text();
-        EXPECT_GE(button->width(), button->sizeHint().width()) << title.toStdString();
-        EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(title)) << title.toStdString();
-        EXPECT_TRUE(screen.rect().contains(button->geometry())) << title.toStdString();
+        const std::string title = button->text().toStdString();
+        EXPECT_GE(button->width(), button->sizeHint().width()) << title;
+        EXPECT_TRUE(screen->rect().contains(button->geometry())) << title;
         if (i > 0) { // left to right, apart
-            EXPECT_LE(bar[i - 1]->geometry().right(), button->geometry().left()) << title.toStdString();
+            EXPECT_LE(bar[i - 1]->geometry().right(), button->geometry().left()) << title;
         }
     }
-    for (QAbstractButton* chip : screen.findChildren<QAbstractButton*>()) {
+    for (QAbstractButton* chip : screen->findChildren<QAbstractButton*>()) {
         if (std::find(bar.begin(), bar.end(), chip) == bar.end()) {
-            EXPECT_TRUE(screen.rect().contains(chip->geometry())) << chip->text().toStdString();
+            EXPECT_TRUE(screen->rect().contains(chip->geometry())) << chip->text().toStdString();
         }
     }
 }

@@ -1,6 +1,7 @@
 #include "shell/AppStartup.h"
 
 #include "export/ExportScreens.h"
+#include "overlay/OverlayScreens.h"
 #include "platform/AppWindow.h"
 #include "platform/Dispatch.h"
 #include "platform/Notifications.h"
@@ -24,6 +25,7 @@ AppWindow* AppStartup::window() const {
 
 void AppStartup::registerScreens() {
     registerExportScreens();
+    registerOverlayScreens();
 }
 
 void AppStartup::start() {

@@ -118,6 +118,18 @@ TEST(CollageCanvas, GapLayoutOverhangsLessAndRatioChangesMovePanesWithoutRebuild
     EXPECT_DOUBLE_EQ(panes[0]->scale(), 2.0);
 }
 
+TEST(CollageCanvas, BackdropsTakeTheCanvasBlurAsAFractionWithinZeroAndOne) {
+    Canvas canvas;
+    for (auto [intensity, fraction] : {std::pair{1.7, 1.0}, {-0.2, 0.0}, {0.6, 0.6}, {1.0, 1.0}}) {
+        canvas.view.blurIntensity = intensity;
+        canvas.view.configure(photos(2), CollageLayoutOption::twoColumnsEqual);
+        for (auto* backdrop : canvas.view.backdropViews()) {
+            EXPECT_DOUBLE_EQ(backdrop->blurIntensity, intensity);
+            EXPECT_DOUBLE_EQ(backdrop->blurFraction(), fraction) << intensity;
+        }
+    }
+}
+
 TEST(CollageCanvas, MovingALayerReordersStackingOnly) {
     Canvas canvas;
     int layersChanged = 0;

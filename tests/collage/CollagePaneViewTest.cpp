@@ -150,6 +150,20 @@ TEST(CollagePane, EditingNeedsTheSelectionAndZoomStaysWithinLimits) {
     EXPECT_DOUBLE_EQ(pane->verticalFeather(), 25.0);
 }
 
+TEST(CollagePane, CheckmarkKeepsItsSizeAndStaysCentredWhateverTheZoom) {
+    PaneOnCanvas canvas;
+    ASSERT_EQ(canvas.pane->childItems().size(), 1);
+    const QGraphicsItem* mark = canvas.pane->childItems().front();
+    const QSizeF size = mark->sceneBoundingRect().size();
+    canvas.pane->zoom(2.5);
+    canvas.pane->translate(-20, 30);
+    EXPECT_NEAR(mark->sceneBoundingRect().width(), size.width(), 1e-9);
+    EXPECT_NEAR(mark->sceneBoundingRect().height(), size.height(), 1e-9);
+    const QPointF centre = canvas.pane->sceneBoundingRect().center();
+    EXPECT_NEAR(mark->sceneBoundingRect().center().x(), centre.x(), 1e-9);
+    EXPECT_NEAR(mark->sceneBoundingRect().center().y(), centre.y(), 1e-9);
+}
+
 TEST(CollagePane, FourQuarterTurnsDrawThePictureAsBefore) {
     PaneOnCanvas canvas(QRectF(0, 0, 120, 160));
     canvas.pane->setImage(picture());

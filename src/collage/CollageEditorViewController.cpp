@@ -11,7 +11,6 @@
 #include "collage/PhotoLoading.h"
 #include "collage/ToolButtonCell.h"
 #include "collage/TransformActionCell.h"
-#include "export/ExportScreens.h"
 #include "export/RateShareController.h"
 #include "platform/Alert.h"
 #include "platform/Animations.h"
@@ -612,10 +611,8 @@ void CollageEditorViewController::continueSave() {
     ImagePtr image = canvasView_->flattenedImage();
     if (!image)
         return;
-    auto* share = qobject_cast<RateShareController*>(
-        Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("RateShareController")));
-    if (!share)
-        return;
+    auto* share = Storyboard::instantiate<RateShareController>(QStringLiteral("Main"),
+                                                               QStringLiteral("RateShareController"));
     share->shareImage = image;
     share->fetchData = SavingtypeMethod::JPG;
     share->setModalPresentationStyle(ModalPresentationStyle::overCurrentContext);

@@ -2,14 +2,13 @@
 
 #include "platform/JpegScaledDecoder.h"
 #include "platform/PhotoMemoryBudget.h"
+#include "platform/PictureEncoders.h"
 #include "platform/PngReducedDecoder.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QImageIOHandler>
 #include <QImageReader>
-#include <QImageWriter>
-#include <QPainter>
 #include <QTransform>
 #include <QtEndian>
 #include <algorithm>
@@ -404,17 +403,6 @@ std::optional<Decoded> decode(const QByteArray& data, const DecodeOptions& optio
     return Decoded{std::move(bitmap), orientationFor(reader.transformation()), size, std::move(hold)};
 }
 
-QByteArray encode(const QImage& image, const char* format, int quality) {
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, format);
-    writer.setQuality(quality);
-    if (!writer.write(image))
-        return {};
-    return bytes;
-}
-
 } // namespace
 
 int exifOrientation(ImageOrientation orientation) {
@@ -563,20 +551,9 @@ ImagePtr Image::withOrientation(ImageOrientation orientation, double scale) cons
 
 QByteArray Image::jpegData(double quality) const {
     const double q = std::isnan(quality) ? 0.0 : std::clamp(quality, 0.0, 1.0);
-    QImage upright = uprightBitmap();
-    if (upright.hasAlphaChannel()) {
-        QImage flat(upright.size(), QImage::Format_RGB32);
-        if (flat.isNull())
-            return {};
-        flat.fill(Qt::white);
-        QPainter painter(&flat);
-        painter.drawImage(0, 0, upright);
-        painter.end();
-        upright = std::move(flat);
-    }
-    return encode(upright, "jpeg", static_cast<int>(std::lround(q * 100)));
+    return encodeJpeg(bitmap_, orientation_, static_cast<int>(std::lround(q * 100)));
 }
 
 QByteArray Image::pngData() const {
-    return encode(uprightBitmap(), "png", -1);
+    return encodePng(bitmap_, orientation_);
 }

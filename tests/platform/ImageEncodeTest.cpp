@@ -1,0 +1,244 @@
+#include "platform/Image.h"
+#include "platform/PictureEncoders.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <string>
+
+// The files our encoders write, read back by decoders that share no code with ours: djpeg for JPEG, a
+// zlib-only Python reader for PNG.
+namespace {
+
+constexpr ImageOrientation kAllOrientations[] = {
+    ImageOrientation::up,           ImageOrientation::down,          ImageOrientation::left,
+    ImageOrientation::right,        ImageOrientation::upMirrored,    ImageOrientation::downMirrored,
+    ImageOrientation::leftMirrored, ImageOrientation::rightMirrored,
+};
+
+class ImageEncodeTest : public ::testing::Test {
+protected:
+    QTemporaryDir dir;
+
+    QString write(const QByteArray& bytes, const QString& name) {
+        const QString path = dir.filePath(name);
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            ADD_FAILURE() << "cannot write " << path.toStdString();
+        return path;
+    }
+
+    // djpeg's RGB pixels as Format_RGB888; null when djpeg refuses the file.
+    QImage djpeg(const QByteArray& jpeg) {
+        const QString in = write(jpeg, QStringLiteral("in.jpg")),
+                      out = dir.filePath(QStringLiteral("out.ppm"));
+        QProcess::execute(QStringLiteral("djpeg"),
+                          {QStringLiteral("-pnm"), QStringLiteral("-outfile"), out, in});
+        QFile file(out);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        // P6, width, height, 255, then one blank before the samples.
+        QList<QByteArray> fields;
+        while (fields.size() < 4 && !file.atEnd()) {
+            QByteArray token;
+            char c;
+            while (file.getChar(&c) && !QChar::isSpace(uchar(c)))
+                token += c;
+            if (!token.isEmpty())
+                fields.append(token);
+        }
+        if (fields.size() < 4 || fields[0] != "P6" || fields[3] != "255")
+            return {};
+        QImage image(fields[1].toInt(), fields[2].toInt(), QImage::Format_RGB888);
+        for (int y = 0; y < image.height(); ++y)
+            if (file.read(reinterpret_cast<char*>(image.scanLine(y)), image.width() * 3) != image.width() * 3)
+                return {};
+        QFile::remove(out);
+        return image;
+    }
+
+    // The PNG's colour type and its pixels as Format_RGBA8888 (straight alpha); a null image on failure.
+    std::pair<int, QImage> pngPixels(const QByteArray& png) {
+        const QString in = write(png, QStringLiteral("in.png")),
+                      out = dir.filePath(QStringLiteral("out.rgba"));
+        QProcess reader;
+        reader.start(QStringLiteral("python3"),
+                     {QStringLiteral(LUMIVEX_TEST_DATA_DIR "/../export/pngpixels.py"), in, out});
+        if (!reader.waitForFinished(60000) || reader.exitCode() != 0)
+            return {-1, {}};
+        const QList<QByteArray> header = reader.readAllStandardOutput().simplified().split(' ');
+        QFile file(out);
+        if (header.size() != 4 || header[3] != "8" || !file.open(QIODevice::ReadOnly))
+            return {-1, {}};
+        QImage image(header[0].toInt(), header[1].toInt(), QImage::Format_RGBA8888);
+        const QByteArray bytes = file.readAll();
+        if (bytes.size() != image.sizeInBytes())
+            return {-1, {}};
+        for (int y = 0; y < image.height(); ++y)
+            std::memcpy(image.scanLine(y), bytes.constData() + y * image.width() * 4, image.width() * 4);
+        return {header[2].toInt(), image};
+    }
+};
+
+// Noise that PNG's filters cannot predict, so every byte of every row is checked.
+QImage noise(int width, int height, QImage::Format format, bool translucent) {
+    std::mt19937 random(7);
+    QImage image(width, height, QImage::Format_ARGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const uint v = random();
+            const int alpha = translucent ? int(v >> 24) : 255;
+            image.setPixel(x, y, qRgba(int(v & 255), int(v >> 8 & 255), int(v >> 16 & 255), alpha));
+        }
+    if (translucent) { // the two values an unpremultiply must get exactly right
+        image.setPixel(0, 0, qRgba(10, 20, 30, 0));
+        image.setPixel(1, 0, qRgba(10, 20, 30, 255));
+    }
+    return image.convertToFormat(format);
+}
+
+// Smooth in both directions and different in every channel, so JPEG keeps it closely while a turn, a
+// mirror or swapped channels move it far.
+QImage gradient(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            image.setPixel(
+                x, y,
+                qRgb(40 + 170 * x / width, 30 + 190 * y / height, 200 - 150 * (x + y) / (width + height)));
+    return image;
+}
+
+// Mean and largest difference of any channel between two pictures of one size.
+std::pair<double, int> difference(const QImage& a, const QImage& b) {
+    const QImage x = a.convertToFormat(QImage::Format_RGB32), y = b.convertToFormat(QImage::Format_RGB32);
+    double sum = 0;
+    int largest = 0;
+    for (int row = 0; row < x.height(); ++row)
+        for (int col = 0; col < x.width(); ++col) {
+            const QRgb p = x.pixel(col, row), q = y.pixel(col, row);
+            for (const int d : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)}) {
+                sum += std::abs(d);
+                largest = std::max(largest, std::abs(d));
+            }
+        }
+    return {sum / (3.0 * x.width() * x.height()), largest};
+}
+
+// Where two pictures first differ, for a readable failure; empty when they are the same.
+std::string firstDifference(const QImage& seen, const QImage& expected) {
+    if (seen.size() != expected.size() || seen.format() != expected.format())
+        return "size or format differs";
+    for (int y = 0; y < seen.height(); ++y)
+        for (int x = 0; x < seen.width(); ++x)
+            if (seen.pixel(x, y) != expected.pixel(x, y))
+                return QStringLiteral("at %1,%2: %3 instead of %4")
+                    .arg(x)
+                    .arg(y)
+                    .arg(seen.pixel(x, y), 8, 16)
+                    .arg(expected.pixel(x, y), 8, 16)
+                    .toStdString();
+    return {};
+}
+
+TEST_F(ImageEncodeTest, PngHoldsTheUprightPixelsExactlyInEveryOrientation) {
+    const QImage opaque = noise(23, 9, QImage::Format_RGB32, false);
+    const QImage translucent = noise(17, 6, QImage::Format_ARGB32_Premultiplied, true);
+    for (const ImageOrientation orientation : kAllOrientations) {
+        SCOPED_TRACE(static_cast<int>(orientation));
+        const ImagePtr rgb = Image::make(opaque, 1, orientation);
+        const auto [rgbType, rgbPixels] = pngPixels(rgb->pngData());
+        EXPECT_EQ(rgbType, 2); // RGB: an opaque picture carries no alpha channel
+        EXPECT_EQ(firstDifference(rgbPixels, rgb->uprightBitmap().convertToFormat(QImage::Format_RGBA8888)),
+                  "");
+
+        // Alpha kept, and straight as PNG wants it: exactly what Qt's own conversion makes of it.
+        const ImagePtr rgba = Image::make(translucent, 1, orientation);
+        const auto [rgbaType, rgbaPixels] = pngPixels(rgba->pngData());
+        EXPECT_EQ(rgbaType, 6);
+        EXPECT_EQ(firstDifference(rgbaPixels, rgba->uprightBitmap().convertToFormat(QImage::Format_RGBA8888)),
+                  "");
+    }
+}
+
+TEST_F(ImageEncodeTest, PngOfAPhotoDecodesToTheSamePixelsAndIsCompressed) {
+    const ImagePtr photo = Image::fromFile(QStringLiteral(LUMIVEX_SAMPLES_DIR "/fruits.jpg"));
+    ASSERT_TRUE(photo);
+    const QByteArray png = photo->pngData();
+    const auto [type, pixels] = pngPixels(png);
+    EXPECT_EQ(type, 2);
+    EXPECT_EQ(firstDifference(pixels, photo->bitmap().convertToFormat(QImage::Format_RGBA8888)), "");
+    EXPECT_LT(png.size(), photo->pixelSize().width() * photo->pixelSize().height() * 3 * 3 / 4);
+}
+
+TEST_F(ImageEncodeTest, JpegHoldsTheUprightPixelsInEveryOrientation) {
+    const QImage stored = gradient(61, 35); // odd sides: partial blocks at the right and bottom edges
+    for (const ImageOrientation orientation : kAllOrientations) {
+        SCOPED_TRACE(static_cast<int>(orientation));
+        const ImagePtr image = Image::make(stored, 1, orientation);
+        const QImage decoded = djpeg(image->jpegData(0.95));
+        const QImage upright = image->uprightBitmap();
+        ASSERT_EQ(decoded.size(), upright.size());
+        const auto [mean, largest] = difference(decoded, upright);
+        EXPECT_LT(mean, 1.5);
+        EXPECT_LE(largest, 12);
+    }
+}
+
+TEST_F(ImageEncodeTest, JpegOfAPhotoKeepsItsColours) {
+    const ImagePtr photo = Image::fromFile(QStringLiteral(LUMIVEX_SAMPLES_DIR "/fruits.jpg"));
+    ASSERT_TRUE(photo);
+    const QImage decoded = djpeg(photo->jpegData(0.9));
+    ASSERT_EQ(decoded.size(), photo->pixelSize());
+    EXPECT_LT(difference(decoded, photo->bitmap()).first, 3.0);
+}
+
+TEST_F(ImageEncodeTest, JpegLaysTransparencyOverWhite) {
+    // Blocks of 16 pixels, whole chroma blocks, so subsampling blurs nothing across them.
+    QImage stored(48, 16, QImage::Format_ARGB32);
+    stored.fill(Qt::transparent);
+    for (int y = 0; y < 16; ++y)
+        for (int x = 16; x < 48; ++x)
+            stored.setPixel(x, y, x < 32 ? qRgba(200, 0, 0, 128) : qRgba(0, 0, 90, 255));
+    const ImagePtr image =
+        Image::make(stored.convertToFormat(QImage::Format_ARGB32_Premultiplied), 1, ImageOrientation::down);
+    const QImage decoded = djpeg(image->jpegData(1));
+    ASSERT_EQ(decoded.size(), QSize(48, 16));
+    // Turned half round: opaque blue on the left, half-covered red in the middle, nothing on the right.
+    const auto near = [&](int x, QRgb expected) {
+        const QRgb seen = decoded.pixel(x, 8);
+        return std::abs(qRed(seen) - qRed(expected)) <= 4 && std::abs(qGreen(seen) - qGreen(expected)) <= 4 &&
+               std::abs(qBlue(seen) - qBlue(expected)) <= 4;
+    };
+    EXPECT_TRUE(near(8, qRgb(0, 0, 90)));
+    EXPECT_TRUE(near(24, qRgb(228, 127, 127))); // 200 * 128/255 + 127 of white
+    EXPECT_TRUE(near(40, qRgb(255, 255, 255)));
+}
+
+TEST_F(ImageEncodeTest, JpegQualityIsClampedToItsRange) {
+    const ImagePtr photo = Image::fromFile(QStringLiteral(LUMIVEX_SAMPLES_DIR "/fruits.jpg"));
+    ASSERT_TRUE(photo);
+    const QByteArray lowest = photo->jpegData(0), highest = photo->jpegData(1);
+    EXPECT_EQ(photo->jpegData(-0.5), lowest);
+    EXPECT_EQ(photo->jpegData(std::numeric_limits<double>::quiet_NaN()), lowest);
+    EXPECT_EQ(photo->jpegData(1.5), highest);
+    EXPECT_LT(lowest.size() * 4, photo->jpegData(0.5).size());
+    EXPECT_LT(photo->jpegData(0.5).size() * 2, highest.size());
+    // The lowest quality is still a whole picture.
+    EXPECT_EQ(djpeg(lowest).size(), photo->pixelSize());
+}
+
+TEST_F(ImageEncodeTest, NullOrForeignBitmapsGiveNothing) {
+    for (const QImage& bitmap :
+         {QImage(), QImage(8, 8, QImage::Format_RGB888), QImage(8, 8, QImage::Format_ARGB32)}) {
+        EXPECT_TRUE(encodeJpeg(bitmap, ImageOrientation::up, 90).isEmpty());
+        EXPECT_TRUE(encodePng(bitmap, ImageOrientation::up).isEmpty());
+    }
+}
+
+} // namespace

@@ -17,6 +17,8 @@ PACKAGES=(
   libdlib-dev libdlib-data python3-skimage
   # reduced decoding of photos: scaled-DCT JPEG, row-by-row PNG
   libturbojpeg0-dev libpng-dev
+  # fast deflate for the PNGs we write
+  libdeflate-dev
   # video
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev libswresample-dev
   # the lut3d filter the colour look benchmark measures against

@@ -6,12 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <libdeflate.h>
 #include <limits>
 #include <memory>
 #include <turbojpeg.h>
 #include <vector>
-
-#include <libdeflate.h>
 
 namespace {
 

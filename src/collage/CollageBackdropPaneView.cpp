@@ -16,6 +16,8 @@ CollageBackdropPaneView::CollageBackdropPaneView(QGraphicsItem* parent) : QGraph
 
 CollageBackdropPaneView::~CollageBackdropPaneView() {
     maskLoader_.cancel();
+    if (blurWorkItem_)
+        blurWorkItem_->cancel();
 }
 
 QRectF CollageBackdropPaneView::boundingRect() const {
@@ -52,37 +54,50 @@ void CollageBackdropPaneView::updateBlur() {
     const BlurKey key = currentBlurKey();
     if (key == blurredKey_ && !blurred_.isNull())
         return;
+    if (blurPending_ && key == pendingBlurKey_)
+        return;
+    // The canvas lays the panes out at a provisional size before its final one: a blur queued for
+    // that size and not started yet is dropped instead of being made for nothing.
+    if (blurWorkItem_)
+        blurWorkItem_->cancel();
+    blurWorkItem_.reset();
     const int generation = ++blurGeneration_;
     blurPending_ = false;
     if (!image_ || frame_.isEmpty())
         return;
     blurPending_ = true;
+    pendingBlurKey_ = key;
     QPointer<CollageBackdropPaneView> self(this);
     ImagePtr image = image_;
     const QSizeF size = frame_.size();
     const double fraction = blurFraction_;
     const double scale = Screen::main().scale();
     // The blur is made once per photo, size and strength, away from the main thread.
-    Dispatch::global(QualityOfService::userInitiated)
-        .async([self, image, size, fraction, scale, key, generation]() {
-            QImage blurred = BackdropBlur::make(*image, size, scale, fraction);
-            Dispatch::main().async([self, blurred = std::move(blurred), key, generation]() {
-                if (!self || generation != self->blurGeneration_)
-                    return;
-                self->blurPending_ = false;
-                if (!(self->currentBlurKey() == key))
-                    return;
-                self->blurred_ = blurred;
-                self->blurredKey_ = key;
-                self->update();
-            });
+    WorkItem item([self, image, size, fraction, scale, key, generation]() {
+        QImage blurred = BackdropBlur::make(*image, size, scale, fraction);
+        Dispatch::main().async([self, blurred = std::move(blurred), key, generation]() {
+            if (!self || generation != self->blurGeneration_)
+                return;
+            self->blurPending_ = false;
+            self->blurWorkItem_.reset();
+            if (!(self->currentBlurKey() == key))
+                return;
+            self->blurred_ = blurred;
+            self->blurredKey_ = key;
+            self->update();
         });
+    });
+    blurWorkItem_ = item;
+    Dispatch::global(QualityOfService::userInitiated).async(item);
 }
 
 void CollageBackdropPaneView::ensureBlur() {
     const BlurKey key = currentBlurKey();
     if ((key == blurredKey_ && !blurred_.isNull()) || !image_ || frame_.isEmpty())
         return;
+    if (blurWorkItem_)
+        blurWorkItem_->cancel();
+    blurWorkItem_.reset();
     ++blurGeneration_;
     blurPending_ = false;
     blurred_ = BackdropBlur::make(*image_, frame_.size(), Screen::main().scale(), blurFraction_);

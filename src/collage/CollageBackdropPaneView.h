@@ -1,10 +1,12 @@
 #pragma once
 
 #include "collage/FeatherMaskLoader.h"
+#include "platform/Dispatch.h"
 #include "platform/Image.h"
 
 #include <QGraphicsObject>
 #include <QImage>
+#include <optional>
 
 // A blurred, feathered copy of a pane's photo lying under all panes, so that what shows through a
 // pane's soft edge, or beside a pane dragged aside, is a soft blur of the same photo. It has the
@@ -61,6 +63,10 @@ private:
     BlurKey blurredKey_;
     int blurGeneration_ = 0;
     bool blurPending_ = false;
+    // The blur on its way and what it is for: asking again for the same one starts nothing, and a
+    // newer request keeps an older one that has not started from running at all.
+    std::optional<WorkItem> blurWorkItem_;
+    BlurKey pendingBlurKey_;
 
     double horizontalFeather_ = 25.0;
     double verticalFeather_ = 25.0;

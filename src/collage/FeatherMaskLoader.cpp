@@ -4,9 +4,40 @@
 #include "mixer/BoundedImageCache.h"
 #include "platform/Screen.h"
 
+#include <future>
+#include <map>
+#include <mutex>
+
 namespace {
 bool hasArea(const QSizeF& size) {
     return size.width() > 0.0 && size.height() > 0.0;
+}
+
+// A pane and its backdrop, and panes of one size, ask for the same mask at the same moment, before
+// any of them has reached the cache. One worker builds it; the others wait for that mask instead of
+// making their own.
+ImagePtr buildOnce(const QString& key, const std::function<ImagePtr()>& build) {
+    static std::mutex mutex;
+    static std::map<QString, std::shared_future<ImagePtr>> building;
+    std::promise<ImagePtr> promise;
+    {
+        std::unique_lock lock(mutex);
+        if (ImagePtr cached = BoundedImageCache::shared().image(key))
+            return cached;
+        if (auto found = building.find(key); found != building.end()) {
+            const std::shared_future<ImagePtr> pending = found->second;
+            lock.unlock();
+            return pending.get();
+        }
+        building.emplace(key, promise.get_future().share());
+    }
+    ImagePtr mask = build();
+    {
+        std::lock_guard lock(mutex);
+        building.erase(key);
+    }
+    promise.set_value(mask);
+    return mask;
 }
 } // namespace
 
@@ -63,17 +94,21 @@ void FeatherMaskLoader::update(QObject* owner, const Request& request, std::func
     }
     QPointer<QObject> guard(owner);
     const int generation = generation_;
+    const bool shared = !builder;
     Builder build = builder ? builder : Builder(&FeatherMask::make);
     WorkItem item([guard, request, scale, current = std::move(current), installed = std::move(installed),
-                   this, generation, build = std::move(build)]() {
+                   this, generation, build = std::move(build), key, shared]() {
         const double w = request.size.width();
         const double h = request.size.height();
-        ImagePtr mask = build(w, h, request.horizontalFeather, request.verticalFeather, scale);
+        auto make = [&]() {
+            ImagePtr made = build(w, h, request.horizontalFeather, request.verticalFeather, scale);
+            if (made)
+                BoundedImageCache::shared().setImage(made, key, FeatherMask::cost(w, h, scale));
+            return made;
+        };
+        ImagePtr mask = shared ? buildOnce(key, make) : make();
         if (!mask)
             return;
-        BoundedImageCache::shared().setImage(
-            mask, FeatherMask::key(w, h, request.horizontalFeather, request.verticalFeather, scale),
-            FeatherMask::cost(w, h, scale));
         Dispatch::main().async([guard, request, mask, current, installed, this, generation]() {
             // A view that is gone, resized or re-feathered since drops the mask; it stays cached.
             if (!guard || !(current() == request))

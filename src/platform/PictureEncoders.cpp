@@ -1,5 +1,6 @@
 #include "platform/PictureEncoders.h"
 
+#include <QColorSpace>
 #include <QRgb>
 #include <QtEndian>
 #include <algorithm>
@@ -87,6 +88,30 @@ struct TurboCompressor {
     }
 };
 
+// The colour profile as APP2 segments, after the JFIF header, split where a segment is full.
+void insertIccProfile(QByteArray& jpeg, const QByteArray& profile) {
+    constexpr qsizetype perSegment = 65535 - 2 - 14;
+    const qsizetype count = (profile.size() + perSegment - 1) / perSegment;
+    if (profile.isEmpty() || count > 255 || jpeg.size() < 4)
+        return;
+    QByteArray segments;
+    for (qsizetype i = 0; i < count; ++i) {
+        const QByteArray part = profile.mid(i * perSegment, perSegment);
+        const qsizetype length = 2 + 14 + part.size();
+        segments += "\xff\xe2";
+        segments += char(length >> 8);
+        segments += char(length & 0xff);
+        segments += QByteArray("ICC_PROFILE", 12); // with its terminating zero
+        segments += char(i + 1);
+        segments += char(count);
+        segments += part;
+    }
+    qsizetype at = 2; // after the start of image
+    if (uchar(jpeg[2]) == 0xff && uchar(jpeg[3]) == 0xe0 && jpeg.size() >= 6)
+        at = 4 + (uchar(jpeg[4]) << 8 | uchar(jpeg[5]));
+    jpeg.insert(at, segments);
+}
+
 // PNG writing ------------------------------------------------------------------------------------
 
 // The "up" filter: each byte less the one above it. On photos and canvases it leaves deflate nearly as
@@ -165,6 +190,8 @@ QByteArray encodeJpeg(const QImage& bitmap, ImageOrientation orientation, int qu
                     TJSAMP_420, std::clamp(quality, 1, 100), TJFLAG_NOREALLOC) != 0)
         return {};
     jpeg.resize(qsizetype(size));
+    if (bitmap.colorSpace().isValid())
+        insertIccProfile(jpeg, bitmap.colorSpace().iccProfile());
     return jpeg;
 }
 
@@ -214,7 +241,21 @@ QByteArray encodePng(const QImage& bitmap, ImageOrientation orientation) {
         return {};
     const std::size_t bound = libdeflate_zlib_compress_bound(compressor.handle, filteredSize);
     constexpr std::size_t signatureSize = 8, headerSize = 12 + 13, chunkOverhead = 12;
-    const std::size_t total = signatureSize + headerSize + chunkOverhead + bound + chunkOverhead;
+    // The colour profile, when the picture has one, goes in an iCCP chunk before the pixels.
+    QByteArray profile;
+    if (bitmap.colorSpace().isValid()) {
+        const QByteArray icc = bitmap.colorSpace().iccProfile();
+        profile = QByteArray("ICC Profile\0\0", 13); // name, its terminating zero, deflate
+        const std::size_t iccBound =
+            libdeflate_zlib_compress_bound(compressor.handle, std::size_t(icc.size()));
+        profile.resize(13 + qsizetype(iccBound));
+        const std::size_t packed = libdeflate_zlib_compress(
+            compressor.handle, icc.constData(), std::size_t(icc.size()), profile.data() + 13, iccBound);
+        profile.resize(packed && !icc.isEmpty() ? 13 + qsizetype(packed) : 0);
+    }
+    const std::size_t profileSize = profile.isEmpty() ? 0 : chunkOverhead + std::size_t(profile.size());
+    const std::size_t total =
+        signatureSize + headerSize + profileSize + chunkOverhead + bound + chunkOverhead;
     if (total > std::size_t(std::numeric_limits<qsizetype>::max()))
         return {};
     QByteArray png(qsizetype(total), Qt::Uninitialized);
@@ -229,6 +270,10 @@ QByteArray encodePng(const QImage& bitmap, ImageOrientation orientation) {
     const uint8_t rest[] = {8, uint8_t(alpha ? 6 : 2), 0, 0, 0};
     std::memcpy(fields, rest, sizeof rest);
     uint8_t* idat = closeChunk(header, "IHDR", 13);
+    if (!profile.isEmpty()) {
+        std::memcpy(idat + 8, profile.constData(), std::size_t(profile.size()));
+        idat = closeChunk(idat, "iCCP", std::size_t(profile.size()));
+    }
 
     const std::size_t compressed =
         libdeflate_zlib_compress(compressor.handle, filtered.get(), filteredSize, idat + 8, bound);

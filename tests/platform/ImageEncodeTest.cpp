@@ -1,6 +1,7 @@
 #include "platform/Image.h"
 #include "platform/PictureEncoders.h"
 
+#include <QColorSpace>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -205,6 +206,17 @@ TEST_F(ImageEncodeTest, JpegOfAPhotoKeepsItsColoursAndClampsQuality) {
     ASSERT_EQ(decoded.size(), photo->pixelSize());
     EXPECT_LT(difference(decoded, photo->bitmap()).first, 3.0);
     EXPECT_EQ(djpeg(lowest).size(), photo->pixelSize()); // the lowest quality is still a whole picture
+}
+
+TEST_F(ImageEncodeTest, AColourProfileIsCarriedAndTheFilesStayReadable) {
+    QImage stored = gradient(40, 24);
+    stored.setColorSpace(QColorSpace::DisplayP3);
+    const ImagePtr image = Image::make(stored, 1, ImageOrientation::left);
+    const QByteArray jpeg = image->jpegData(0.9), png = image->pngData();
+    EXPECT_EQ(djpeg(jpeg).size(), QSize(24, 40));
+    EXPECT_EQ(pngPixels(png).second.size(), QSize(24, 40)); // the reader checks every chunk's CRC
+    EXPECT_EQ(QImage::fromData(jpeg).colorSpace(), QColorSpace(QColorSpace::DisplayP3));
+    EXPECT_EQ(QImage::fromData(png).colorSpace(), QColorSpace(QColorSpace::DisplayP3));
 }
 
 TEST_F(ImageEncodeTest, NullOrForeignBitmapsGiveNothing) {

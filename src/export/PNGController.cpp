@@ -34,14 +34,12 @@ void PNGController::viewDidLoad() {
     QVBoxLayout* content = contentLayout();
     QWidget* parent = containerView();
 
-    sizeValueLbl_ = new QLabel(QStringLiteral("1.0"));
-    sizeValueLbl_->setObjectName(QStringLiteral("sizeValueLbl"));
-    content->addWidget(
-        SheetControls::makeValueRow(QStringLiteral("Size"), sizeValueLbl_, &sizeValueView_, parent));
-    sizeSlider_ = SheetControls::makeSlider(0.1, 1.0, QStringLiteral("sizeSlider"), parent);
-    content->addWidget(sizeSlider_);
-    pxLbl_ = SheetControls::makeNote(QStringLiteral("pxLbl"), parent);
-    content->addWidget(pxLbl_);
+    const SheetControls::SizeRows sizeRows =
+        SheetControls::addSizeRows(content, QStringLiteral("sizeValueLbl"), parent);
+    sizeValueLbl_ = sizeRows.valueLabel;
+    sizeValueView_ = sizeRows.valueView;
+    sizeSlider_ = sizeRows.slider;
+    pxLbl_ = sizeRows.pixelLabel;
 
     trasnparentView_ =
         new CheckRowView(QStringLiteral("Transparent background"), QStringLiteral("trasnparentView"), parent);
@@ -73,12 +71,10 @@ void PNGController::viewDidLoad() {
 }
 
 void PNGController::sizeSliderAction(float value) {
-    sizeValueLbl_->setText(RasterExport::sizeValueText(value));
-    if (!tobeSavedimage)
-        return;
-    newWidth = tobeSavedimage->size().width() * static_cast<double>(value);
-    newheight = tobeSavedimage->size().height() * static_cast<double>(value);
-    pxLbl_->setText(RasterExport::pixelLabel(newWidth, newheight));
+    if (const auto size = SheetControls::showSliderSize(sizeValueLbl_, pxLbl_, tobeSavedimage, value)) {
+        newWidth = size->width();
+        newheight = size->height();
+    }
 }
 
 void PNGController::handletrasnparentTap() {

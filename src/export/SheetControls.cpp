@@ -1,5 +1,6 @@
 #include "export/SheetControls.h"
 
+#include "export/RasterExport.h"
 #include "platform/Assets.h"
 #include "platform/ImageView.h"
 #include "platform/Log.h"
@@ -9,6 +10,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QSlider>
+#include <QVBoxLayout>
 #include <cmath>
 
 namespace {
@@ -109,6 +111,29 @@ QLabel* makeNote(const QString& name, QWidget* parent) {
     note->setObjectName(name);
     note->setStyleSheet(QStringLiteral("color: #6e6e73; font-size: 13px;"));
     return note;
+}
+
+SizeRows addSizeRows(QVBoxLayout* content, const QString& valueLabelName, QWidget* parent) {
+    SizeRows rows;
+    rows.valueLabel = new QLabel(QStringLiteral("1.0"));
+    rows.valueLabel->setObjectName(valueLabelName);
+    content->addWidget(makeValueRow(QStringLiteral("Size"), rows.valueLabel, &rows.valueView, parent));
+    rows.slider = makeSlider(0.1, 1.0, QStringLiteral("sizeSlider"), parent);
+    content->addWidget(rows.slider);
+    rows.pixelLabel = makeNote(QStringLiteral("pxLbl"), parent);
+    content->addWidget(rows.pixelLabel);
+    return rows;
+}
+
+std::optional<QSizeF> showSliderSize(QLabel* valueLabel, QLabel* pixelLabel, const ImagePtr& picture,
+                                     float value) {
+    valueLabel->setText(RasterExport::sizeValueText(value));
+    if (!picture)
+        return std::nullopt;
+    const QSizeF size(picture->size().width() * static_cast<double>(value),
+                      picture->size().height() * static_cast<double>(value));
+    pixelLabel->setText(RasterExport::pixelLabel(size.width(), size.height()));
+    return size;
 }
 
 } // namespace SheetControls

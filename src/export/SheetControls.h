@@ -3,7 +3,9 @@
 #include "platform/Image.h"
 
 #include <QAbstractButton>
+#include <QSizeF>
 #include <QString>
+#include <optional>
 
 class ImageView;
 class QLabel;
@@ -36,6 +38,21 @@ QWidget* makeValueRow(const QString& caption, QLabel* valueLabel, QWidget** valu
 
 // A grey secondary line (pixel size, file size words).
 QLabel* makeNote(const QString& name, QWidget* parent);
+
+// The size part of a raster sheet: "Size" with its "1.0" value box, the slider from 0.1 and the pixel
+// size line below it, added to `content`.
+struct SizeRows {
+    QLabel* valueLabel = nullptr;
+    QWidget* valueView = nullptr;
+    QSlider* slider = nullptr;
+    QLabel* pixelLabel = nullptr;
+};
+SizeRows addSizeRows(QVBoxLayout* content, const QString& valueLabelName, QWidget* parent);
+
+// What a move of the size slider shows: the value, and with a picture the scaled size in its label.
+// Answers the scaled size in points, or nothing without a picture.
+std::optional<QSizeF> showSliderSize(QLabel* valueLabel, QLabel* pixelLabel, const ImagePtr& picture,
+                                     float value);
 
 } // namespace SheetControls
 

@@ -26,8 +26,8 @@ ToolRun run(const QString& program, const QStringList& arguments) {
 QImage readPngIndependently(const QString& path) {
     QTemporaryDir temp;
     const QString raw = temp.filePath(QStringLiteral("pixels.rgba"));
-    const QString script =
-        QFileInfo(QStringLiteral(__FILE__)).absolutePath() + QStringLiteral("/pngpixels.py");
+    // Found from the test data folder, which does not depend on where the test runs from.
+    const QString script = QStringLiteral(LUMIVEX_TEST_DATA_DIR "/../export/pngpixels.py");
     const ToolRun decoded = run(QStringLiteral("python3"), {script, path, raw});
     const QList<QByteArray> fields = decoded.out.trimmed().split(' ');
     if (decoded.exitCode != 0 || fields.size() != 4)

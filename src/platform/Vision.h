@@ -25,7 +25,7 @@ public:
     explicit VisionRequestHandler(const Image& image);
     VisionRequestHandler(const QImage& bitmap, ImageOrientation orientation);
 
-    // Standing people, whole body, at least about a fifth of the picture's longer side tall.
+    // Standing people, whole body, at least about a quarter of the picture's longer side tall.
     std::optional<std::vector<VisionObservation>> detectHumanRectangles() const;
 
     // Frontal faces, at least about 3 % of the picture's longer side wide.

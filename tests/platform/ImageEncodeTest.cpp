@@ -127,7 +127,7 @@ std::string firstDifference(const QImage& seen, const QImage& expected) {
     return {};
 }
 
-TEST_F(ImageEncodeTest, PngHoldsTheUprightPixelsExactlyInEveryOrientation) {
+TEST_F(ImageEncodeTest, PngHoldsTheUprightPixelsInEveryOrientation) {
     const QImage opaque = noise(23, 9, QImage::Format_RGB32, false);
     const QImage translucent = noise(17, 6, QImage::Format_ARGB32_Premultiplied, true);
     for (const ImageOrientation orientation : kAllOrientations) {
@@ -138,12 +138,23 @@ TEST_F(ImageEncodeTest, PngHoldsTheUprightPixelsExactlyInEveryOrientation) {
         EXPECT_EQ(firstDifference(rgbPixels, rgb->uprightBitmap().convertToFormat(QImage::Format_RGBA8888)),
                   "");
 
-        // Alpha kept, and straight as PNG wants it: exactly what Qt's own conversion makes of it.
+        // Alpha kept exactly, and the colours straight as PNG wants them. Qt's own unpremultiplying
+        // rounds its vector and scalar paths differently (which one a pixel takes depends on the
+        // buffer's alignment), so the colours may differ from one conversion to another by a level.
         const ImagePtr rgba = Image::make(translucent, 1, orientation);
         const auto [rgbaType, rgbaPixels] = pngPixels(rgba->pngData());
         EXPECT_EQ(rgbaType, 6);
-        EXPECT_EQ(firstDifference(rgbaPixels, rgba->uprightBitmap().convertToFormat(QImage::Format_RGBA8888)),
-                  "");
+        const QImage expected = rgba->uprightBitmap().convertToFormat(QImage::Format_RGBA8888);
+        ASSERT_EQ(rgbaPixels.size(), expected.size());
+        int largest = 0;
+        for (int y = 0; y < expected.height(); ++y)
+            for (int x = 0; x < expected.width(); ++x) {
+                const QRgb p = rgbaPixels.pixel(x, y), q = expected.pixel(x, y);
+                ASSERT_EQ(qAlpha(p), qAlpha(q)) << x << "," << y;
+                for (const int d : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)})
+                    largest = std::max(largest, std::abs(d));
+            }
+        EXPECT_LE(largest, 1);
     }
 }
 

@@ -17,6 +17,8 @@ PACKAGES=(
   libdlib-dev libdlib-data python3-skimage
   # reduced decoding of photos: scaled-DCT JPEG, row-by-row PNG
   libturbojpeg0-dev libpng-dev
+  # HEIC and AVIF photos; heif-enc for the tests that make such files
+  libheif-dev libheif-examples
   # fast deflate for the PNGs we write
   libdeflate-dev
   # video

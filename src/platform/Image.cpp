@@ -1,5 +1,6 @@
 #include "platform/Image.h"
 
+#include "platform/HeifDecoder.h"
 #include "platform/JpegScaledDecoder.h"
 #include "platform/PhotoMemoryBudget.h"
 #include "platform/PictureEncoders.h"
@@ -318,6 +319,82 @@ struct Decoded {
     std::optional<PhotoMemoryBudget::Reservation> hold;
 };
 
+struct Reserved {
+    QSize target;
+    std::optional<PhotoMemoryBudget::Reservation> hold;
+};
+
+// Charges the budget for decoding a picture planned by `plan` at the size the options want, or at the
+// largest smaller size the budget still holds. The file's `fileBytes` are held until the pixels are
+// out; `decoderBytes` more are held by the decoder on the way; a decoder that can only give the whole
+// picture (`scalesAfter`) holds it whole for a moment before it is scaled. Nothing when there is no
+// room, with the reason in `error`.
+std::optional<Reserved> reserveRoom(const SizePlan& plan, std::int64_t fileBytes, std::int64_t decoderBytes,
+                                    bool scalesAfter, const DecodeOptions& options, QString* error) {
+    const QSize size = plan.stored;
+    const QSize wanted = plan.covering(coverFactor(size, options.coverSize));
+    const std::int64_t fullStep = fileBytes + decoderBytes + (scalesAfter ? bytesFor(size) : 0);
+    auto cost = [&](QSize decoded) {
+        return bytesFor(decoded) + (decoded == size ? fileBytes + decoderBytes : fullStep);
+    };
+    Reserved reserved{wanted, {}};
+    if (!options.budget)
+        return reserved;
+    reserved.hold = options.budget->reserve(cost(wanted));
+    if (reserved.hold)
+        return reserved;
+    const std::int64_t held = options.budget->used();
+    const QSize reduced = plan.largestWithin(options.budget->available(), fullStep);
+    const double smallest = std::clamp(options.smallestFraction, 0.0, 1.0);
+    if (!reduced.isEmpty() && reduced.width() >= wanted.width() * smallest &&
+        reduced.height() >= wanted.height() * smallest)
+        reserved.hold = options.budget->reserve(cost(reduced));
+    if (!reserved.hold) {
+        if (error)
+            *error = QStringLiteral("not enough memory for this picture: the photos already open take "
+                                    "%1 MB of the %2 MB allowed for photos, and it needs %3 MB")
+                         .arg(megabytes(held), megabytes(options.budget->limit()),
+                              megabytes(cost(reduced.isEmpty() ? wanted : reduced)));
+        return std::nullopt;
+    }
+    reserved.target = reduced;
+    return reserved;
+}
+
+// HEIF and AVIF: libheif turns the picture upright as it decodes, so the flag stays up, and it decodes
+// only whole, so a smaller picture is scaled from the whole one.
+std::optional<Decoded> decodeHeif(const QByteArray& data, const DecodeOptions& options, QString* error) {
+    auto fail = [error](const QString& reason) -> std::optional<Decoded> {
+        if (error)
+            *error = reason;
+        return std::nullopt;
+    };
+    const std::optional<HeifDecoder::Probe> probe = HeifDecoder::probe(data, error);
+    if (!probe)
+        return std::nullopt;
+    const QSize size = probe->size;
+    const std::int64_t pixels = std::int64_t(size.width()) * size.height();
+    if (pixels > Image::maxPixelCount)
+        return fail(
+            QStringLiteral("picture of %1 × %2 pixels is too large").arg(size.width()).arg(size.height()));
+    const SizePlan plan{size, Reduction::afterDecode};
+    // The whole picture is decoded at any target, so it is always a step on the way when reduced.
+    std::optional<Reserved> reserved =
+        reserveRoom(plan, data.size(), HeifDecoder::transientBytes(size), true, options, error);
+    if (!reserved)
+        return std::nullopt;
+    QImage bitmap = HeifDecoder::decode(data, error);
+    if (bitmap.isNull())
+        return std::nullopt;
+    if (bitmap.size() != size)
+        return fail(QStringLiteral("decoded picture does not match its declared size"));
+    if (reserved->target != size)
+        bitmap = bitmap.scaled(reserved->target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    if (reserved->hold)
+        reserved->hold->shrinkTo(bytesFor(reserved->target));
+    return Decoded{std::move(bitmap), ImageOrientation::up, size, std::move(reserved->hold)};
+}
+
 std::optional<Decoded> decode(const QByteArray& data, const DecodeOptions& options, QString* error) {
     auto fail = [error](const QString& reason) -> std::optional<Decoded> {
         if (error)
@@ -328,6 +405,8 @@ std::optional<Decoded> decode(const QByteArray& data, const DecodeOptions& optio
         return fail(QStringLiteral("invalid scale"));
     if (data.isEmpty())
         return fail(QStringLiteral("empty file"));
+    if (HeifDecoder::recognizes(data.left(64)))
+        return decodeHeif(data, options, error);
 
     QBuffer buffer;
     buffer.setData(data);
@@ -350,33 +429,13 @@ std::optional<Decoded> decode(const QByteArray& data, const DecodeOptions& optio
         return fail(QStringLiteral("truncated %1 file").arg(QString::fromLatin1(format)));
 
     const SizePlan plan{size, reductionFor(format, data)};
-    const QSize wanted = plan.covering(coverFactor(size, options.coverSize));
-    QSize target = wanted;
     // Readers that cannot decode reduced hold the whole picture for a moment before it is scaled.
-    // The file's bytes are held as well until the pixels are out.
-    const std::int64_t fullStep =
-        data.size() + (plan.reduction == Reduction::afterDecode ? bytesFor(size) : 0);
-    auto cost = [&](QSize decoded) {
-        return bytesFor(decoded) + (decoded == size ? std::int64_t(data.size()) : fullStep);
-    };
-    std::optional<PhotoMemoryBudget::Reservation> hold;
-    if (options.budget) {
-        hold = options.budget->reserve(cost(target));
-        if (!hold) {
-            const std::int64_t held = options.budget->used();
-            const QSize reduced = plan.largestWithin(options.budget->available(), fullStep);
-            const double smallest = std::clamp(options.smallestFraction, 0.0, 1.0);
-            if (!reduced.isEmpty() && reduced.width() >= wanted.width() * smallest &&
-                reduced.height() >= wanted.height() * smallest)
-                hold = options.budget->reserve(cost(reduced));
-            if (!hold)
-                return fail(QStringLiteral("not enough memory for this picture: the photos already open take "
-                                           "%1 MB of the %2 MB allowed for photos, and it needs %3 MB")
-                                .arg(megabytes(held), megabytes(options.budget->limit()),
-                                     megabytes(cost(reduced.isEmpty() ? wanted : reduced))));
-            target = reduced;
-        }
-    }
+    std::optional<Reserved> reserved =
+        reserveRoom(plan, data.size(), 0, plan.reduction == Reduction::afterDecode, options, error);
+    if (!reserved)
+        return std::nullopt;
+    const QSize target = reserved->target;
+    std::optional<PhotoMemoryBudget::Reservation> hold = std::move(reserved->hold);
 
     ensureAllocationLimit(pixels);
     QImage bitmap;

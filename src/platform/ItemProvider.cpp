@@ -1,7 +1,9 @@
 #include "platform/ItemProvider.h"
 
 #include "platform/Dispatch.h"
+#include "platform/HeifDecoder.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 
@@ -17,10 +19,14 @@ bool ItemProvider::canLoadImage() const {
     if (!info.isFile() || !info.isReadable())
         return false;
     const QByteArray suffix = info.suffix().toLower().toLatin1();
-    if (!suffix.isEmpty() && QImageReader::supportedImageFormats().contains(suffix))
+    if (!suffix.isEmpty() && (QImageReader::supportedImageFormats().contains(suffix) ||
+                              HeifDecoder::suffixes().contains(QString::fromLatin1(suffix))))
         return true;
     // Pictures saved without an extension still count when their header says so.
-    return !QImageReader::imageFormat(filePath_).isEmpty();
+    if (!QImageReader::imageFormat(filePath_).isEmpty())
+        return true;
+    QFile file(filePath_);
+    return file.open(QIODevice::ReadOnly) && HeifDecoder::recognizes(file.read(64));
 }
 
 void ItemProvider::loadImage(ImageCompletion completion) const {

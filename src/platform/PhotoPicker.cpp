@@ -1,6 +1,7 @@
 #include "platform/PhotoPicker.h"
 
 #include "platform/Dispatch.h"
+#include "platform/HeifDecoder.h"
 
 #include <QAbstractButton>
 #include <QDateTime>
@@ -51,6 +52,10 @@ QStringList namePatterns(bool imagesOnly) {
             continue;
         patterns << QStringLiteral("*.") + QString::fromLatin1(format);
     }
+    // Decoded by libheif, not by a Qt plug-in.
+    for (const QString& suffix : HeifDecoder::suffixes())
+        if (!patterns.contains(QStringLiteral("*.") + suffix))
+            patterns << QStringLiteral("*.") + suffix;
     if (!imagesOnly)
         patterns << QStringLiteral("*.mp4") << QStringLiteral("*.mov") << QStringLiteral("*.m4v");
     return patterns;

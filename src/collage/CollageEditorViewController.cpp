@@ -15,10 +15,13 @@
 #include "platform/Alert.h"
 #include "platform/Animations.h"
 #include "platform/Assets.h"
+#include "platform/DroppedFiles.h"
+#include "platform/ItemProvider.h"
 #include "platform/PhotoMemoryBudget.h"
 #include "platform/PhotoPicker.h"
 #include "platform/Storyboard.h"
 
+#include <QDropEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -100,6 +103,7 @@ CollageEditorViewController::CollageEditorViewController(std::unique_ptr<Collage
     setObjectName(QStringLiteral("collageEditor"));
     setModalPresentationStyle(ModalPresentationStyle::fullScreen);
     setFocusPolicy(Qt::StrongFocus);
+    setAcceptDrops(true);
 }
 
 CollageEditorViewController::~CollageEditorViewController() = default;
@@ -151,6 +155,10 @@ void CollageEditorViewController::buildViews() {
     connect(layersButton_, &QPushButton::clicked, this, &CollageEditorViewController::didTapLayers);
 
     canvasView_ = new CollageCanvasView(this);
+    // A graphics view takes every drag for its scene and drops it there; files dropped on the canvas are
+    // this screen's to import.
+    canvasView_->setAcceptDrops(false);
+    canvasView_->viewport()->setAcceptDrops(false);
     canvasFrame_ = new QWidget(this);
     canvasFrame_->setAttribute(Qt::WA_TransparentForMouseEvents);
     canvasFrame_->setStyleSheet(
@@ -540,15 +548,63 @@ void CollageEditorViewController::presentImportPicker(int limit) {
     configuration.selectionLimit = limit;
     QPointer<CollageEditorViewController> self(this);
     PhotoPicker::present(this, configuration, [self](std::vector<PickerResult> results) {
-        if (!self || results.empty())
-            return;
-        loadImagesInOrder(results, self, [self](std::vector<ImagePtr> images) {
-            if (!self || images.empty())
-                return;
-            self->viewModel_->appendImages(images);
-            self->viewModel_->rebuildLayoutOptions();
-        });
+        if (self && !results.empty())
+            self->importItems(results);
     });
+}
+
+void CollageEditorViewController::importItems(const std::vector<PickerResult>& results) {
+    QPointer<CollageEditorViewController> self(this);
+    loadImagesInOrder(results, self, [self](std::vector<ImagePtr> images) {
+        if (!self || images.empty())
+            return;
+        self->viewModel_->appendImages(images);
+        self->viewModel_->rebuildLayoutOptions();
+    });
+}
+
+void CollageEditorViewController::dragEnterEvent(QDragEnterEvent* event) {
+    if (DroppedFiles::mayCarryFiles(event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void CollageEditorViewController::dragMoveEvent(QDragMoveEvent* event) {
+    if (DroppedFiles::mayCarryFiles(event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void CollageEditorViewController::dropEvent(QDropEvent* event) {
+    const DroppedFiles dropped = DroppedFiles::from(event->mimeData());
+    if (!dropped.isAcceptable()) {
+        event->ignore();
+        showDropAlert(DroppedFiles::refusalTitle(), dropped.refusalMessage());
+        return;
+    }
+    const int limit = CollageEditorViewModel::maximumImageCount;
+    const int room = limit - static_cast<int>(viewModel_->images().size());
+    if (room < 1) {
+        event->ignore();
+        showDropAlert(QStringLiteral("Collage Is Full"),
+                      QStringLiteral("A collage holds at most %1 photos.").arg(limit));
+        return;
+    }
+    event->acceptProposedAction();
+    std::vector<PickerResult> results;
+    for (const QString& path : dropped.photos.mid(0, room))
+        results.push_back({ItemProvider::forFile(path)});
+    importItems(results);
+    if (dropped.photos.size() > room)
+        showDropAlert(
+            QStringLiteral("Collage Is Full"),
+            QStringLiteral("A collage holds at most %1 photos; only the first %2 dropped were added.")
+                .arg(limit)
+                .arg(room));
+}
+
+void CollageEditorViewController::showDropAlert(const QString& title, const QString& message) {
+    auto* alert = new Alert(title, message);
+    alert->addAction({QStringLiteral("OK"), AlertActionStyle::defaultStyle, {}});
+    present(alert, true);
 }
 
 void CollageEditorViewController::presentCropper() {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "collage/CollageEditorViewModel.h"
+#include "platform/PhotoPicker.h"
 #include "platform/ViewController.h"
 
 #include <QPointer>
 #include <memory>
 #include <optional>
+#include <vector>
 
 class CollageCanvasView;
 class CollageCell;
@@ -57,6 +59,10 @@ protected:
     void viewDidLoad() override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    // Photos dropped on the screen are imported as picked ones are, as many as the collage has room for.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void buildViews();
@@ -69,6 +75,8 @@ private:
     void reloadOptions();
     void loadFeathersIntoSliders();
     void presentImportPicker(int limit);
+    void importItems(const std::vector<PickerResult>& results);
+    void showDropAlert(const QString& title, const QString& message);
     void presentCropper();
     void showResetAlert();
     void showMinimumAlert();

@@ -7,6 +7,7 @@
 #include "platform/Alert.h"
 #include "platform/Animations.h"
 #include "platform/Assets.h"
+#include "platform/DroppedFiles.h"
 #include "platform/ImageView.h"
 #include "platform/Log.h"
 #include "platform/NavigationController.h"
@@ -17,6 +18,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QMouseEvent>
@@ -67,6 +69,7 @@ NewHomePageController::NewHomePageController(UserDefaults& defaults, QWidget* pa
       carouselImages_(
           {QStringLiteral("homeslide1"), QStringLiteral("homeslide2"), QStringLiteral("homeslide3")}) {
     setObjectName(QStringLiteral("newHomePage"));
+    setAcceptDrops(true);
 }
 
 NewHomePageController::~NewHomePageController() = default;
@@ -471,6 +474,33 @@ void NewHomePageController::openEditor(std::vector<ImagePtr> images) {
                 .toStdString());
         break;
     }
+}
+
+void NewHomePageController::dragEnterEvent(QDragEnterEvent* event) {
+    if (DroppedFiles::mayCarryFiles(event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void NewHomePageController::dragMoveEvent(QDragMoveEvent* event) {
+    if (DroppedFiles::mayCarryFiles(event->mimeData()))
+        event->acceptProposedAction();
+}
+
+void NewHomePageController::dropEvent(QDropEvent* event) {
+    const DroppedFiles dropped = DroppedFiles::from(event->mimeData());
+    if (!dropped.isAcceptable()) {
+        event->ignore();
+        showRefusedDropAlert(dropped.refusalMessage());
+        return;
+    }
+    event->acceptProposedAction();
+    openPhotos(dropped.photos);
+}
+
+void NewHomePageController::showRefusedDropAlert(const QString& message) {
+    auto* alert = new Alert(DroppedFiles::refusalTitle(), message);
+    alert->addAction({QStringLiteral("OK"), AlertActionStyle::defaultStyle, {}});
+    present(alert, true);
 }
 
 void NewHomePageController::showInsufficientSelectionAlert() {

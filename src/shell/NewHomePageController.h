@@ -66,6 +66,10 @@ protected:
     void viewWillDisappear(bool animated) override;
     void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    // Photos dropped on the screen take the same road as photos named on the command line.
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
 private:
     void buildViews();
@@ -86,6 +90,7 @@ private:
     void takePickedItems(const std::vector<PickerResult>& results);
     void openEditor(std::vector<ImagePtr> images);
     void showInsufficientSelectionAlert();
+    void showRefusedDropAlert(const QString& message);
 
     UserDefaults& defaults_;
     HomeViewModel viewModel_;

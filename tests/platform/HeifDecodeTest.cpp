@@ -2,6 +2,7 @@
 #include "platform/ItemProvider.h"
 #include "platform/PhotoMemoryBudget.h"
 
+#include "platform/MarkedCorners.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
@@ -122,26 +123,6 @@ QByteArray encodeWithOrientation(const QImage& source, heif_orientation orientat
     return bytes;
 }
 
-// Grey, with a red block at the top left and a green one at the top right.
-QImage markedCorners(int width, int height) {
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(Qt::gray);
-    const int block = 48;
-    for (int y = 0; y < block; ++y)
-        for (int x = 0; x < block; ++x) {
-            image.setPixel(x, y, qRgb(255, 0, 0));
-            image.setPixel(width - 1 - x, y, qRgb(0, 255, 0));
-        }
-    return image;
-}
-
-bool isRed(QRgb c) {
-    return qRed(c) > 190 && qGreen(c) < 70 && qBlue(c) < 70;
-}
-bool isGreen(QRgb c) {
-    return qGreen(c) > 190 && qRed(c) < 70 && qBlue(c) < 70;
-}
-
 class HeifDecodeTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -180,7 +161,7 @@ TEST_F(HeifDecodeTest, HeicAndAvifFromTheSamplesOpenUprightAtTheirSizeWithTheirP
 }
 
 TEST_F(HeifDecodeTest, RotationAndMirrorBoxesAreAppliedAndTheFlagStaysUp) {
-    const QImage stored = markedCorners(320, 200);
+    const QImage stored = markedCorners(320, 200, 48);
     // Turning a quarter clockwise takes the top-left corner to the top right and the top right to the
     // bottom right; mirroring after it takes them back to the left.
     struct Case {

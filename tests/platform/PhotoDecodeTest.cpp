@@ -2,6 +2,7 @@
 #include "platform/ItemProvider.h"
 #include "platform/PhotoMemoryBudget.h"
 
+#include "platform/MarkedCorners.h"
 #include "support/TestSupport.h"
 
 #include <QBuffer>
@@ -18,26 +19,6 @@ namespace {
 
 std::int64_t bytesOf(QSize size) {
     return std::int64_t(size.width()) * size.height() * 4;
-}
-
-// Grey, with a red top-left and a green top-right block, big enough to survive JPEG and an 8× reduction.
-QImage markedCorners(int width, int height) {
-    QImage image(width, height, QImage::Format_RGB32);
-    image.fill(Qt::gray);
-    const int block = std::max(16, width / 20);
-    for (int y = 0; y < block; ++y)
-        for (int x = 0; x < block; ++x) {
-            image.setPixel(x, y, qRgb(255, 0, 0));
-            image.setPixel(width - 1 - x, y, qRgb(0, 255, 0));
-        }
-    return image;
-}
-
-bool isRed(QRgb c) {
-    return qRed(c) > 200 && qGreen(c) < 60 && qBlue(c) < 60;
-}
-bool isGreen(QRgb c) {
-    return qGreen(c) > 200 && qRed(c) < 60 && qBlue(c) < 60;
 }
 
 // A JPEG file with an EXIF orientation tag in an APP1 segment right after SOI, as a camera writes it.

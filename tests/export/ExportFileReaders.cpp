@@ -84,4 +84,9 @@ int maxChannelDifference(const QImage& a, const QImage& b) {
     return worst;
 }
 
+QByteArray readAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace exportfiles

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "export/SavingProtocols.h"
 #include "platform/Image.h"
+
+#include <QList>
+#include <QObject>
 
 #include <QImage>
 #include <QString>
@@ -29,5 +33,14 @@ ImagePtr gradientPicture(QSize pixels, double scale, int clearColumns = 0);
 
 // The largest difference of one channel between two pictures of the same size; -1 when they differ in size.
 int maxChannelDifference(const QImage& a, const QImage& b);
+
+// A file's bytes; empty when it cannot be read.
+QByteArray readAll(const QString& path);
+
+// Stands in for an editor at the end of a sheet: keeps every save it is handed.
+struct Receiver : QObject, DataPassingToShareController {
+    QList<SaveModelDetails> received;
+    void saveDetailsPassed(const SaveModelDetails& details) override { received << details; }
+};
 
 } // namespace exportfiles

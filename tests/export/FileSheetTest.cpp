@@ -27,16 +27,6 @@ namespace {
 
 using namespace exportfiles;
 
-struct Receiver : QObject, DataPassingToShareController {
-    QList<SaveModelDetails> received;
-    void saveDetailsPassed(const SaveModelDetails& details) override { received << details; }
-};
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 class FileSheet : public ::testing::Test {
 protected:
     void SetUp() override {

@@ -22,16 +22,6 @@ namespace {
 
 using namespace exportfiles;
 
-struct Receiver : QObject, DataPassingToShareController {
-    QList<SaveModelDetails> received;
-    void saveDetailsPassed(const SaveModelDetails& details) override { received << details; }
-};
-
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 TEST(RasterWords, QualityWordsFollowSinglePrecisionBoundsAndWrapBelowATenth) {
     const struct {
         float value;

@@ -199,22 +199,8 @@ private:
     bool exited_ = false;
 };
 
-class ServiceAbuse : public ::testing::Test {
+class ServiceAbuse : public faceswaptest::ServiceFixture {
 protected:
-    std::mutex logMutex;
-    std::vector<std::string> logLines;
-    std::unique_ptr<SwapServer> server;
-
-    void startServer(ServerOptions options = {}) {
-        options.port = 0;
-        options.log = [this](const std::string& line) {
-            std::lock_guard lock(logMutex);
-            logLines.push_back(line);
-        };
-        server = std::make_unique<SwapServer>(std::move(options));
-        ASSERT_TRUE(server->bind());
-        server->start();
-    }
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 // The face swap service over real HTTP on the loopback, with real photographs.
 
 #include "FaceSwap.h"
+#include "FaceSwapTestSupport.h"
 #include "SwapServer.h"
 
 #include <gtest/gtest.h>
@@ -44,23 +45,8 @@ std::string taskIdOf(const std::string& json) {
     return json.substr(start, json.find('"', start) - start);
 }
 
-class FaceSwapService : public ::testing::Test {
+class FaceSwapService : public faceswaptest::ServiceFixture {
 protected:
-    std::mutex logMutex;
-    std::vector<std::string> logLines;
-    std::unique_ptr<SwapServer> server;
-
-    void startServer(ServerOptions options = {}) {
-        options.port = 0;
-        options.log = [this](const std::string& line) {
-            std::lock_guard lock(logMutex);
-            logLines.push_back(line);
-        };
-        server = std::make_unique<SwapServer>(std::move(options));
-        ASSERT_TRUE(server->bind());
-        server->start();
-    }
-
     httplib::Client client() {
         httplib::Client cli("127.0.0.1", server->port());
         cli.set_read_timeout(20, 0);

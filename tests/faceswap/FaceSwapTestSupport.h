@@ -4,9 +4,13 @@
 // small measures on pictures.
 
 #include "FaceDetector.h"
+#include "SwapServer.h"
 
+#include <gtest/gtest.h>
 #include <opencv2/core.hpp>
 
+#include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -24,5 +28,24 @@ double meanDifference(const cv::Mat& a, const cv::Mat& b, const cv::Mat& mask);
 
 // The region of a face's landmarks' hull in a picture of `size`, shrunk by `inset` pixels.
 cv::Mat hullMask(const lumivex::faceswap::Landmarks& points, cv::Size size, int inset);
+
+// A service on a free loopback port whose log lines are kept for the test to read.
+class ServiceFixture : public ::testing::Test {
+protected:
+    std::mutex logMutex;
+    std::vector<std::string> logLines;
+    std::unique_ptr<lumivex::faceswap::SwapServer> server;
+
+    void startServer(lumivex::faceswap::ServerOptions options = {}) {
+        options.port = 0;
+        options.log = [this](const std::string& line) {
+            std::lock_guard lock(logMutex);
+            logLines.push_back(line);
+        };
+        server = std::make_unique<lumivex::faceswap::SwapServer>(std::move(options));
+        ASSERT_TRUE(server->bind());
+        server->start();
+    }
+};
 
 } // namespace faceswaptest

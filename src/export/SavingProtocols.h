@@ -1,9 +1,7 @@
 #pragma once
 
 #include "export/SavingtypeMethod.h"
-
-#include <QObject>
-#include <QPointer>
+#include "platform/WeakDelegate.h"
 
 // Told by the format chooser which format the user picked.
 class SavingMethodPass {
@@ -24,26 +22,4 @@ class DataPassingToShareController {
 public:
     virtual ~DataPassingToShareController() = default;
     virtual void saveDetailsPassed(const SaveModelDetails& details) = 0;
-};
-
-// A delegate held weakly: when the delegate is a QObject (every screen is) and has been deleted, the
-// holder sees nothing instead of a dangling pointer.
-template <typename Protocol> class WeakDelegate {
-public:
-    WeakDelegate() = default;
-    WeakDelegate(Protocol* delegate) { *this = delegate; }
-    WeakDelegate& operator=(Protocol* delegate) {
-        delegate_ = delegate;
-        guard_ = dynamic_cast<QObject*>(delegate);
-        tracked_ = guard_ != nullptr;
-        return *this;
-    }
-    Protocol* get() const { return tracked_ && !guard_ ? nullptr : delegate_; }
-    Protocol* operator->() const { return get(); }
-    explicit operator bool() const { return get() != nullptr; }
-
-private:
-    Protocol* delegate_ = nullptr;
-    QPointer<QObject> guard_;
-    bool tracked_ = false;
 };

@@ -1,6 +1,7 @@
 #include "shell/AppStartup.h"
 
 #include "export/ExportScreens.h"
+#include "frames/FramesScreens.h"
 #include "overlay/OverlayScreens.h"
 #include "platform/AppWindow.h"
 #include "platform/Dispatch.h"
@@ -26,6 +27,7 @@ AppWindow* AppStartup::window() const {
 void AppStartup::registerScreens() {
     registerExportScreens();
     registerOverlayScreens();
+    registerFramesScreens();
 }
 
 void AppStartup::start() {

@@ -12,6 +12,7 @@
 #include "platform/Log.h"
 #include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
+#include "platform/Storyboard.h"
 #include "platform/UserDefaults.h"
 #include "shell/FeatureGridCell.h"
 #include "shell/LaunchManager.h"
@@ -408,9 +409,13 @@ void NewHomePageController::didSelectFeature(int item) {
         present(navigation, true);
         break;
     }
-    case 2:
-        printLine("The classic layout collage is not available in this build yet.");
+    case 2: {
+        ViewController* grid =
+            Storyboard::instantiate(QStringLiteral("Main"), QStringLiteral("GridViewController"));
+        grid->setModalPresentationStyle(ModalPresentationStyle::overCurrentContext);
+        present(grid, true);
         break;
+    }
     case 3:
         printLine("The mirror editor is not available in this build yet.");
         break;

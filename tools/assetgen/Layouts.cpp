@@ -2,6 +2,7 @@
 // their strip thumbnails.
 #include "Common.h"
 
+#include "frames/FrameGeometry.h"
 #include "resources/AssetNames.h"
 
 #include <QLinearGradient>
@@ -17,63 +18,6 @@ namespace {
 
 // ---- classic frames -----------------------------------------------------------------------------
 
-// Cells as x y w h in fractions of the frame area, in frame order.
-const std::array<const char*, 33> frameCells{
-    "0 0 1 1/2; 0 1/2 1 1/2",
-    "0 0 1/2 1; 1/2 0 1/2 1",
-    "0 0 2/3 1; 2/3 0 1/3 1",
-    "0 0 1/3 1; 1/3 0 2/3 1",
-    "0 0 1 1/3; 0 1/3 1 2/3",
-    "0 0 1 2/3; 0 2/3 1 1/3",
-    "0 0 1 1/2; 0 1/2 1/2 1/2; 1/2 1/2 1/2 1/2",
-    "0 0 1/2 1/2; 1/2 0 1/2 1/2; 0 1/2 1 1/2",
-    "0 0 1/2 1/2; 1/2 0 1/2 1; 0 1/2 1/2 1/2",
-    "0 0 1/2 1; 1/2 0 1/2 1/2; 1/2 1/2 1/2 1/2",
-    "0 0 1 1/3; 0 1/3 1 1/3; 0 2/3 1 1/3",
-    "0 0 1/3 1; 1/3 0 1/3 1; 2/3 0 1/3 1",
-    "0 0 1/2 1/2; 0 1/2 1/2 1/2; 1/2 0 1/2 1/2; 1/2 1/2 1/2 1/2",
-    "0 0 1/2 1/3; 0 1/3 1 1/3; 0 2/3 1 1/3; 1/2 0 1/2 1/3",
-    "0 0 1 1/3; 0 1/3 1/2 1/3; 1/2 1/3 1/2 1/3; 0 2/3 1 1/3",
-    "0 0 1/2 1; 1/2 0 1/2 1/3; 1/2 1/3 1/2 1/3; 1/2 2/3 1/2 1/3",
-    "0 0 1/2 1/3; 0 1/3 1/2 1/3; 0 2/3 1/2 1/3; 1/2 0 1/2 1",
-    "0 0 1/2 2/3; 0 2/3 1 1/3; 1/2 0 1/2 1/3; 1/2 1/3 1/2 1/3",
-    "0 0 1/3 1/3; 0 1/3 1/3 2/3; 1/3 2/3 1/3 1/3; 2/3 2/3 1/3 1/3; 1/3 0 2/3 2/3",
-    "0 0 1/3 1/2; 1/3 0 1/3 1/2; 2/3 0 1/3 1/2; 0 1/2 1/2 1/2; 1/2 1/2 1/2 1/2",
-    "0 0 1/2 1/2; 1/2 0 1/2 1/2; 0 1/2 1/3 1/2; 1/3 1/2 1/3 1/2; 2/3 1/2 1/3 1/2",
-    "0 0 1/2 1/3; 0 1/3 1/2 1/3; 0 2/3 1/2 1/3; 1/2 0 1/2 1/2; 1/2 1/2 1/2 1/2",
-    "0 0 1/3 1/2; 0 1/2 1/3 1/2; 1/3 0 1/3 1; 2/3 0 1/3 1/2; 2/3 1/2 1/3 1/2",
-    "0 0 1/2 1/3; 1/2 0 1/2 1/3; 0 1/3 1 1/3; 0 2/3 1/2 1/3; 1/2 2/3 1/2 1/3",
-    "0 0 1/2 1/3; 0 1/3 1/2 1/3; 1/2 0 1/2 1/3; 1/2 1/3 1/2 1/3; 0 2/3 1 1/3",
-    "0 0 1 1/3; 0 1/3 1/2 1/3; 1/2 1/3 1/2 1/3; 0 2/3 1/2 1/3; 1/2 2/3 1/2 1/3",
-    "0 0 2/3 2/3; 2/3 0 1/3 1/3; 2/3 1/3 1/3 1/3; 0 2/3 1/3 1/3; 1/3 2/3 2/3 1/3",
-    "0 0 1/3 1/2; 1/3 0 1/3 1/2; 2/3 0 1/3 1/2; 0 1/2 1/3 1/2; 1/3 1/2 1/3 1/2; 2/3 1/2 1/3 1/2",
-    "0 0 1/2 1/3; 1/2 0 1/2 1/3; 0 1/3 1/2 1/3; 1/2 1/3 1/2 1/3; 0 2/3 1/2 1/3; 1/2 2/3 1/2 1/3",
-    "0 0 1/3 1/3; 0 1/3 1/3 2/3; 1/3 0 1/3 1/2; 1/3 1/2 1/3 1/2; 2/3 0 1/3 2/3; 2/3 2/3 1/3 1/3",
-    "0 0 1/3 2/3; 0 2/3 1/3 1/3; 1/3 0 1/3 1/2; 1/3 1/2 1/3 1/2; 2/3 0 1/3 1/3; 2/3 1/3 1/3 2/3",
-    "0 0 1/3 1/3; 1/3 0 2/3 1/3; 0 1/3 1/2 1/3; 1/2 1/3 1/2 1/3; 0 2/3 2/3 1/3; 2/3 2/3 1/3 1/3",
-    "0 0 2/3 1/3; 2/3 0 1/3 1/3; 0 1/3 1/2 1/3; 1/2 1/3 1/2 1/3; 0 2/3 1/3 1/3; 1/3 2/3 2/3 1/3",
-};
-
-double fraction(const QString& text) {
-    const QStringList parts = text.split(QLatin1Char('/'));
-    return parts.size() == 2 ? parts[0].toDouble() / parts[1].toDouble() : text.toDouble();
-}
-
-QList<QRectF> cellsOf(int frame, double side, double spacing) {
-    QList<QRectF> cells;
-    for (const QString& cell : QString::fromLatin1(frameCells[size_t(frame)]).split(QLatin1Char(';'))) {
-        const QStringList v = cell.simplified().split(QLatin1Char(' '));
-        const double fx = fraction(v[0]), fy = fraction(v[1]), fw = fraction(v[2]), fh = fraction(v[3]);
-        // Outer margin and gaps of one spacing each, as the frame area lays its cells out.
-        const double x = fx == 0 ? spacing : fx * side,
-                     w = fx == 0 ? fw * side - 2 * spacing : fw * side - spacing;
-        const double y = fy == 0 ? spacing : fy * side,
-                     h = fy == 0 ? fh * side - 2 * spacing : fh * side - spacing;
-        cells << QRectF(x, y, w, h);
-    }
-    return cells;
-}
-
 const QStringList& cellPhotos() {
     static const QStringList photos{"fruits.jpg",    "squirrel_cls.jpg", "home.jpg",
                                     "butterfly.jpg", "leuvenA.jpg",      "orange.jpg"};
@@ -87,7 +31,8 @@ QImage framePreview(const Context& context, int frame) {
     QPainter p(&image);
     p.setRenderHint(QPainter::Antialiasing);
     p.setRenderHint(QPainter::SmoothPixmapTransform);
-    const QList<QRectF> cells = cellsOf(frame, side, 8);
+    // Laid out as the editor lays its frame area out, with a wider spacing to read at thumbnail size.
+    const QList<QRectF> cells = FrameGeometry::cellRects(frame, QSizeF(side, side), 8, 8);
     for (int i = 0; i < cells.size(); ++i) {
         const QRectF cell = cells[i];
         const QImage photo = fillCrop(samplePhoto(context, cellPhotos()[i % cellPhotos().size()]),

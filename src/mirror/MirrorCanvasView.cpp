@@ -8,6 +8,7 @@
 
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
+#include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 #include <cmath>
@@ -105,7 +106,8 @@ void MirrorCanvasView::applyHighMirrorPattern(int index, bool mirrorFirst) {
         overlayView_->setAcceptedMouseButtons(Qt::NoButton);
         overlayView_->setAcceptHoverEvents(false);
         if (!pixmap.isNull())
-            overlayView_->setTransform(QTransform::fromScale(side_ / pixmap.width(), side_ / pixmap.height()));
+            overlayView_->setTransform(
+                QTransform::fromScale(side_ / pixmap.width(), side_ / pixmap.height()));
         overlayView_->setZValue(overlayZ);
         scene_->addItem(overlayView_);
     }
@@ -255,7 +257,8 @@ QList<StickerView*> MirrorCanvasView::stickersOnCanvas() const {
     // In the order they were stacked, lowest first.
     const QList<QGraphicsItem*> items = scene_->items(Qt::AscendingOrder);
     for (QGraphicsItem* item : items)
-        if (auto* sticker = dynamic_cast<StickerView*>(item->toGraphicsObject()); sticker && !item->parentItem())
+        if (auto* sticker = dynamic_cast<StickerView*>(item->toGraphicsObject());
+            sticker && !item->parentItem())
             stickers << sticker;
     return stickers;
 }
@@ -287,5 +290,19 @@ ImagePtr MirrorCanvasView::snapshot() {
 
 void MirrorCanvasView::resizeEvent(QResizeEvent* event) {
     QGraphicsView::resizeEvent(event);
-    fitInView(scene_->sceneRect(), Qt::IgnoreAspectRatio);
+    // fitInView would keep a margin; the canvas fills its view exactly.
+    setTransform(QTransform::fromScale(viewport()->width() / side_, viewport()->height() / side_));
+}
+
+void MirrorCanvasView::mouseDoubleClickEvent(QMouseEvent* event) {
+    QGraphicsItem* item = itemAt(event->position().toPoint());
+    while (item && item->parentItem())
+        item = item->parentItem();
+    if (auto* sticker = item ? dynamic_cast<StickerView*>(item->toGraphicsObject()) : nullptr) {
+        if (onStickerDoubleTapped)
+            onStickerDoubleTapped(sticker);
+        event->accept();
+        return;
+    }
+    QGraphicsView::mouseDoubleClickEvent(event);
 }

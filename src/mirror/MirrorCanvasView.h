@@ -1,5 +1,6 @@
 #pragma once
 
+#include "mirror/MirrorImageView.h"
 #include "mirror/MirrorPaneView.h"
 #include "mirror/MirrorPattern.h"
 #include "platform/Image.h"
@@ -11,7 +12,6 @@
 #include <functional>
 #include <vector>
 
-class MirrorImageView;
 class QGraphicsPixmapItem;
 class StickerView;
 
@@ -62,8 +62,9 @@ public:
     void bringToFront(QGraphicsItem* item);
     void bringStickersToFront();
 
-    // Told when the user taps a pane's picture.
+    // Told when the user taps a pane's picture, and when they double-click an overlay.
     std::function<void(MirrorImageView*)> onImageTapped;
+    std::function<void(StickerView*)> onStickerDoubleTapped;
 
     // The canvas as one picture: W points square at the screen's scale.
     ImagePtr snapshot();
@@ -74,6 +75,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
     void removeNonStickers();

@@ -136,7 +136,8 @@ void MirrorPaneView::wheelEvent(QGraphicsSceneWheelEvent* event) {
         return;
     }
     // A column pane at zoom 1 scrolls only sideways, so the ordinary wheel turns it sideways there.
-    const bool sideways = event->orientation() == Qt::Horizontal || (event->modifiers() & Qt::ShiftModifier) ||
+    const bool sideways = event->orientation() == Qt::Horizontal ||
+                          (event->modifiers() & Qt::ShiftModifier) ||
                           maximumContentOffset().y() <= -state_.contentInset.top();
     const QPointF step = sideways ? QPointF(-notches * wheelStep, 0) : QPointF(0, -notches * wheelStep);
     const QPointF target = clampedOffset(state_.origin + step);

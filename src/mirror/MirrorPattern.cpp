@@ -179,7 +179,8 @@ Color colorFromHex(const QString& text, double alpha) {
         const char16_t u = c.toLower().unicode();
         return u >= '0' && u <= '9' ? int(u - '0') : u >= 'a' && u <= 'f' ? int(u - 'a') + 10 : -1;
     };
-    if (rest.size() > 2 && rest.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) && hexDigit(rest[2]) >= 0)
+    if (rest.size() > 2 && rest.startsWith(QLatin1String("0x"), Qt::CaseInsensitive) &&
+        hexDigit(rest[2]) >= 0)
         rest = rest.mid(2);
     quint64 value = 0;
     for (QChar c : rest) {

@@ -86,8 +86,12 @@ bool zoomsOwnPicture(int index);
 std::vector<MirrorLinkUpdate> linkPane(int index, int source, const MirrorScrollState& state);
 
 // Overlay patterns: which two-dimensional pattern lies under overlay `index`, and its overlay picture.
-constexpr bool mirrorFirst(int overlayIndex) { return overlayIndex % 2 == 0; }
-constexpr int basePattern(int overlayIndex) { return mirrorFirst(overlayIndex) ? 0 : 1; }
+constexpr bool mirrorFirst(int overlayIndex) {
+    return overlayIndex % 2 == 0;
+}
+constexpr int basePattern(int overlayIndex) {
+    return mirrorFirst(overlayIndex) ? 0 : 1;
+}
 
 } // namespace MirrorPatterns
 

@@ -1,6 +1,7 @@
 #include "shell/AppStartup.h"
 
 #include "export/ExportScreens.h"
+#include "mirror/MirrorScreens.h"
 #include "frames/FramesScreens.h"
 #include "overlay/OverlayScreens.h"
 #include "platform/AppWindow.h"
@@ -27,6 +28,7 @@ AppWindow* AppStartup::window() const {
 void AppStartup::registerScreens() {
     registerExportScreens();
     registerOverlayScreens();
+    registerMirrorScreens();
     registerFramesScreens();
 }
 

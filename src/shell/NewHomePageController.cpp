@@ -4,9 +4,11 @@
 #include "collage/CollageEditorViewController.h"
 #include "collage/CollageEditorViewModel.h"
 #include "collage/PhotoLoading.h"
+#include "mirror/MirrorVController.h"
 #include "platform/Alert.h"
 #include "platform/Animations.h"
 #include "platform/Assets.h"
+#include "platform/Dispatch.h"
 #include "platform/DroppedFiles.h"
 #include "platform/ImageView.h"
 #include "platform/Log.h"
@@ -417,7 +419,7 @@ void NewHomePageController::didSelectFeature(int item) {
         break;
     }
     case 3:
-        printLine("The mirror editor is not available in this build yet.");
+        presentMirrorPicker();
         break;
     case 4:
         pendingDestination_ = EditorDestination::picMixer;
@@ -429,6 +431,38 @@ void NewHomePageController::didSelectFeature(int item) {
     default:
         break;
     }
+}
+
+// The mirror editor takes one photo from the library, fitted into a square as wide as this screen.
+void NewHomePageController::presentMirrorPicker() {
+    QPointer<NewHomePageController> self(this);
+    PhotoPicker::present(this, {1, true}, [self](std::vector<PickerResult> results) {
+        const std::shared_ptr<ItemProvider> provider =
+            results.empty() ? nullptr : results.front().itemProvider;
+        if (!self || !provider)
+            return;
+        if (!provider->canLoadImage()) {
+            printLine(
+                ("The mirror editor takes a photo; " + provider->filePath() + " is not one.").toStdString());
+            return;
+        }
+        provider->loadImage([self](ImagePtr image, QString error) {
+            Dispatch::main().async([self, image = std::move(image), error] {
+                if (!self)
+                    return;
+                if (!image) {
+                    printLine(
+                        ("The photo could not be opened for the mirror editor: " + error).toStdString());
+                    return;
+                }
+                auto* mirror = Storyboard::instantiate<MirrorVController>(
+                    QStringLiteral("Main"), QStringLiteral("MirrorVController"));
+                mirror->setModalPresentationStyle(ModalPresentationStyle::overCurrentContext);
+                mirror->selectedImage = MirrorVController::scaledToFit(image, self->width());
+                self->present(mirror, true);
+            });
+        });
+    });
 }
 
 void NewHomePageController::presentPhotoPicker() {

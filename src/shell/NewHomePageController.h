@@ -87,6 +87,7 @@ private:
     void turnCarouselPage(int direction);
 
     void presentPhotoPicker();
+    void presentMirrorPicker();
     void takePickedItems(const std::vector<PickerResult>& results);
     void openEditor(std::vector<ImagePtr> images);
     void showInsufficientSelectionAlert();

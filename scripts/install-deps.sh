@@ -27,6 +27,8 @@ PACKAGES=(
   libavfilter-dev
   # PDF, HTTP
   libhpdf-dev libcpp-httplib-dev
+  # CMYK conversion for print PDFs: Little CMS, and Ghostscript's standard CMYK output profile
+  liblcms2-dev libgs-common
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   # independent readers of the files the format sheets write (tests): djpeg, tiffinfo, rsvg-convert, xmllint
@@ -34,6 +36,8 @@ PACKAGES=(
   libtiff-tools
   librsvg2-bin
   libxml2-utils
+  # PDFs read back with Poppler (pdfinfo, pdfimages, pdftoppm, pdftotext) and qpdf; videos with ffprobe
+  poppler-utils qpdf ffmpeg
   # a display for the window on headless machines, fonts
   xvfb xauth fonts-dejavu-core fonts-noto-color-emoji
   # artwork generator: icon font, and the free faces behind the caption font list

@@ -198,7 +198,7 @@ bool BottomSheetController::eventFilter(QObject* watched, QEvent* event) {
         dismissSheet();
         return true;
     }
-    if (containerView_ && watched->isWidgetType()) {
+    if (draggable_ && containerView_ && watched->isWidgetType()) {
         auto* widget = static_cast<QWidget*>(watched);
         if ((widget == containerView_ || containerView_->isAncestorOf(widget)) &&
             handleContainerMouse(widget, event))

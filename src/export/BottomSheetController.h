@@ -42,6 +42,8 @@ public:
 protected:
     void viewDidLoad() override;
     void setContainerCornerRadius(double radius);
+    // A sheet that only closes from its top area and its own controls does not follow a drag.
+    void setDraggable(bool draggable) { draggable_ = draggable; }
     QVBoxLayout* containerLayout() const { return containerLayout_; }
 
     void paintEvent(QPaintEvent* event) override;
@@ -64,5 +66,6 @@ private:
     double translation_ = 0;
     double pressY_ = 0;
     bool panning_ = false;
+    bool draggable_ = true;
     QPointer<QWidget> pressTarget_;
 };

@@ -13,6 +13,7 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
+#include <opencv2/core/utility.hpp>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -262,6 +263,10 @@ bool isMainThread() {
 
 int workerCount() {
     return runtime().pool.maxThreadCount();
+}
+
+void keepLibraryWorkOnCallingThreads() {
+    cv::setNumThreads(1);
 }
 
 } // namespace Dispatch

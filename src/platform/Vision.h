@@ -28,7 +28,7 @@ public:
     // Standing people, whole body, at least about a quarter of the picture's longer side tall.
     std::optional<std::vector<VisionObservation>> detectHumanRectangles() const;
 
-    // Frontal faces, at least about 3 % of the picture's longer side wide.
+    // Frontal faces, at least about 5 % of the picture's longer side wide.
     std::optional<std::vector<VisionObservation>> detectFaceRectangles() const;
 
     // The face model is read from <dir>/haarcascades, where <dir> is the environment variable

@@ -31,6 +31,8 @@ PACKAGES=(
   liblcms2-dev libgs-common
   # tests and benchmarks
   libgtest-dev libgmock-dev googletest libbenchmark-dev
+  # the background removal tests write a tiny ONNX segmentation model to load
+  python3-onnx
   # independent readers of the files the format sheets write (tests): djpeg, tiffinfo, rsvg-convert, xmllint
   libjpeg-turbo-progs
   libtiff-tools

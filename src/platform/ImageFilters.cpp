@@ -95,4 +95,66 @@ QImage areaScaled(const QImage& image, const QRect& source, const QSize& size) {
     return fromWorkFormat(std::move(result), image.format(), format);
 }
 
+QImage blendWithMaskOverClear(const QImage& image, const QImage& mask) {
+    if (image.isNull() || mask.isNull() || image.size() != mask.size() || mask.depth() != 8)
+        return {};
+    const QImage input = image.hasAlphaChannel() ? image.convertToFormat(QImage::Format_ARGB32_Premultiplied)
+                                                 : image.convertToFormat(QImage::Format_RGB32);
+    QImage result(input.size(), QImage::Format_ARGB32_Premultiplied);
+    if (input.isNull() || result.isNull())
+        return {};
+    const bool opaque = !input.hasAlphaChannel();
+    for (int y = 0; y < input.height(); ++y) {
+        const quint32* in = reinterpret_cast<const quint32*>(input.constScanLine(y));
+        const uchar* m = mask.constScanLine(y);
+        quint32* out = reinterpret_cast<quint32*>(result.scanLine(y));
+        for (int x = 0; x < input.width(); ++x) {
+            const quint32 pixel = opaque ? (in[x] | 0xFF000000u) : in[x];
+            const quint32 k = m[x];
+            // Two channels at a time: (c × k + 128) × 257 >> 16 is c × k / 255 rounded.
+            quint32 rb = (pixel & 0x00FF00FFu) * k + 0x00800080u;
+            rb = ((rb + ((rb >> 8) & 0x00FF00FFu)) >> 8) & 0x00FF00FFu;
+            quint32 ag = ((pixel >> 8) & 0x00FF00FFu) * k + 0x00800080u;
+            ag = (ag + ((ag >> 8) & 0x00FF00FFu)) & 0xFF00FF00u;
+            out[x] = rb | ag;
+        }
+    }
+    return result;
+}
+
+QImage hueAdjust(const QImage& image, double radians) {
+    if (image.isNull())
+        return image;
+    const WorkFormat format = workFormatFor(image.format());
+    const QImage input = toWorkFormat(image, format)
+                             .convertToFormat(image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                                      : QImage::Format_RGB32);
+    QImage result(input.size(), input.format());
+    if (input.isNull() || result.isNull())
+        return {};
+    // RGB to YIQ, a turn of the I-Q plane, and back, as one matrix.
+    const cv::Matx33d toYiq(0.299, 0.587, 0.114, 0.596, -0.274, -0.322, 0.211, -0.523, 0.312);
+    const double c = std::cos(radians), s = std::sin(radians);
+    const cv::Matx33d turn(1, 0, 0, 0, c, -s, 0, s, c);
+    const cv::Matx33d rgb = toYiq.inv() * turn * toYiq;
+    // The pixels are B, G, R, A in memory; alpha passes through (premultiplied colour stays within it
+    // up to rounding, and is clamped there).
+    cv::Matx44d bgra = cv::Matx44d::zeros();
+    for (int i = 0; i < 3; ++i)
+        for (int j = 0; j < 3; ++j)
+            bgra(2 - i, 2 - j) = rgb(i, j);
+    bgra(3, 3) = 1.0;
+    cv::Mat out = wrap(result);
+    cv::transform(wrap(input), out, bgra);
+    if (input.hasAlphaChannel()) {
+        for (int y = 0; y < result.height(); ++y) {
+            uchar* p = result.scanLine(y);
+            for (int x = 0; x < result.width(); ++x, p += 4)
+                for (int k = 0; k < 3; ++k)
+                    p[k] = std::min(p[k], p[3]);
+        }
+    }
+    return fromWorkFormat(std::move(result), image.format(), format);
+}
+
 } // namespace ImageFilters

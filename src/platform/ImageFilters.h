@@ -19,4 +19,12 @@ QImage gaussianBlur(const QImage& image, double sigma);
 // of the area it covers. Null for an empty region or size.
 QImage areaScaled(const QImage& image, const QRect& source, const QSize& size);
 
+// `image` where `mask` (8-bit, same size, 255 opaque) lets it through and clear elsewhere:
+// ARGB32_Premultiplied, each channel scaled by the mask. Null when the sizes differ or either is null.
+QImage blendWithMaskOverClear(const QImage& image, const QImage& mask);
+
+// The hue turned by `radians` around the grey axis in YIQ space, brightness kept: a turn of 2π is the
+// picture again. Alpha is kept.
+QImage hueAdjust(const QImage& image, double radians);
+
 } // namespace ImageFilters

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+#include <memory>
+#include <optional>
+
+// Separates the subjects of a picture from its background: the foreground instance mask of the phone's
+// Vision. The answer is a one-channel 8-bit mask (Format_Grayscale8, 255 subject, 0 background) of the
+// upright picture, at its size or smaller with the same shape; every subject found is in it at once,
+// none is chosen. Nothing when no subject could be found with confidence or the picture cannot be read.
+//
+// A segmenter holds no state that changes while it works: one may serve any number of threads at once.
+class ForegroundSegmenter {
+public:
+    virtual ~ForegroundSegmenter() = default;
+    // `upright` is a 32-bit picture as it is seen (orientation already applied).
+    virtual std::optional<QImage> foregroundMask(const QImage& upright) const = 0;
+    // A short name for the log.
+    virtual QString name() const = 0;
+};
+
+// The classical segmenter: subjects are found as people, else faces (each widened to the body below
+// it), else the area that stands out from the picture's border; GrabCut then segments them on a small
+// working copy, and the edge is refined at full size with the picture's own colours.
+class GrabCutSegmenter : public ForegroundSegmenter {
+public:
+    // The working copy's longer side; GrabCut's cost grows fast with the pixel count.
+    static constexpr int workingSide = 320;
+    static constexpr int iterations = 3;
+
+    std::optional<QImage> foregroundMask(const QImage& upright) const override;
+    QString name() const override { return QStringLiteral("GrabCut"); }
+};
+
+namespace ForegroundSegmentation {
+
+// Where a user's own segmentation models are looked for: the environment variable LUMIVEX_MODELS_DIR when
+// set, else the "models" folder in the program's data folder.
+static constexpr const char* modelsDirVariable = "LUMIVEX_MODELS_DIR";
+QString modelsDirectory();
+
+// The segmenter for this run: a model from the models folder (the first *.onnx by name) through OpenCV's
+// dnn module when one is there and loads, otherwise GrabCut. Says on the log which one it chose.
+std::shared_ptr<const ForegroundSegmenter> makeSegmenter();
+
+} // namespace ForegroundSegmentation

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "collage/CollageTools.h"
+
+// The Pic Mixer's bottom bar, in bar order: the collage's tools and the custom background.
+enum class PicMixerTool : int {
+    feather,
+    ratio,
+    layout,
+    customBG,
+    transform,
+    reset,
+    delete_, // `delete` is a keyword
+};
+
+template <> std::span<const PicMixerTool> allCases<PicMixerTool>();
+
+QString title(PicMixerTool tool);
+QString symbolName(PicMixerTool tool);
+ToolDisplayable toolDisplayable(PicMixerTool tool);

@@ -165,6 +165,29 @@ TEST_F(Mp4Sheet, BadVideosCannotMakeASessionAndTwoExportsLeaveOneFile) {
     EXPECT_EQ(codecs(probe(convertPath())), (QStringList{"h264", "aac"}));
 }
 
+TEST_F(Mp4Sheet, APickedVideoIsExportedAtTheChosenQualityWithItsFirstFrameShown) {
+    ASSERT_FALSE(blankAudio.isEmpty()) << "the asset generator has not made Blank Audio.mp3";
+    const QString picked = QDir(documents.path()).filePath(QStringLiteral("picked.mp4"));
+    ASSERT_TRUE(
+        Video::videoFromImage(gradientPicture(QSize(1000, 700), 1)->bitmap(), blankAudio, picked).url);
+    Receiver receiver;
+    auto* sheet = new MP4VideoController;
+    sheet->videoUrl = picked;
+    sheet->savingDelegate = &receiver;
+    editor->present(sheet, false);
+    ASSERT_TRUE(sheet->tobeSavedimage);
+    EXPECT_EQ(sheet->tobeSavedimage->pixelSize(), QSize(1000, 700));
+    EXPECT_FALSE(sheet->suggestedLbl()->isHidden());
+    EXPECT_TRUE(sheet->infoLabel()->isHidden()); // this sheet is made for video
+    sheet->qualityslider()->setValue(300);
+    QTest::mouseClick(sheet->downloadButton(), Qt::LeftButton);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !receiver.received.isEmpty(); }, 30000));
+    EXPECT_EQ(receiver.received[0].sharedURL, convertPath());
+    EXPECT_EQ(receiver.received[0].shareimage, sheet->tobeSavedimage);
+    const QJsonObject video = probe(convertPath())["streams"].toArray()[0].toObject();
+    EXPECT_EQ(QSize(video["width"].toInt(), video["height"].toInt()), QSize(640, 448));
+}
+
 TEST_F(Mp4Sheet, APictureBecomesAVideoThatPlaysOnTheShareScreen) {
     ASSERT_FALSE(blankAudio.isEmpty()) << "the asset generator has not made Blank Audio.mp3";
     auto* sheet = choose<MP4VideoController>(SavingtypeMethod::MP4Video);

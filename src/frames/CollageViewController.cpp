@@ -47,6 +47,14 @@ QScrollArea* makeTray(QWidget* parent) {
     return tray;
 }
 
+// A round colour swatch of `side` points.
+void styleColorButton(QPushButton* button, const Color& color, int side) {
+    button->setStyleSheet(
+        QStringLiteral("QPushButton { background: %1; border: 1px solid white; border-radius: %2px; }")
+            .arg(color.toQColor().name())
+            .arg(side / 2));
+}
+
 QSlider* makeSlider(QWidget* parent, const QString& name, int maximum, int value) {
     auto* slider = new QSlider(Qt::Horizontal, parent);
     slider->setObjectName(name);
@@ -204,6 +212,7 @@ void CollageViewController::buildColorTray() {
         button->setObjectName(QStringLiteral("color%1").arg(tag));
         button->setProperty("tag", tag);
         button->setCursor(Qt::PointingHandCursor);
+        styleColorButton(button, colors[std::size_t(tag)], colorButtonSide);
         connect(button, &QPushButton::clicked, this, [this, tag] { colorButtonTapped(tag); });
         colorButtons_ << button;
     }
@@ -252,10 +261,6 @@ void CollageViewController::layoutViews() {
         const QPointF centre(w / 2.0 - 20 + tag * colorButtonStep + colorButtonSide / 2.0,
                              20 + colorButtonSide / 2.0);
         button->setGeometry(QRectF(centre - QPointF(side, side) / 2.0, QSizeF(side, side)).toRect());
-        button->setStyleSheet(
-            QStringLiteral("QPushButton { background: %1; border: 1px solid white; border-radius: %2px; }")
-                .arg(backgroundColorList()[std::size_t(tag)].toQColor().name())
-                .arg(side / 2.0));
     }
     if (filterScrollView_)
         filterScrollView_->setGeometry(0, kPanelContentTop, w, FilterStripView::buttonHeight + 4);
@@ -323,8 +328,13 @@ void CollageViewController::buttonTappedWithSender(int tag) {
 void CollageViewController::colorButtonTapped(int tag) {
     if (tag < 0 || tag >= colorButtons_.size())
         return;
-    for (QPushButton* button : colorButtons_)
-        button->setProperty("selected", button->property("tag").toInt() == tag);
+    for (QPushButton* button : colorButtons_) {
+        const bool selected = button->property("tag").toInt() == tag;
+        if (button->property("selected").toBool() != selected)
+            styleColorButton(button, backgroundColorList()[std::size_t(button->property("tag").toInt())],
+                             int(colorButtonSide * (selected ? selectedColorScale : 1.0)));
+        button->setProperty("selected", selected);
+    }
     layoutViews();
     colorScrollView_->ensureWidgetVisible(colorButtons_[tag], colorScrollView_->width() / 2, 0);
     mainview_->setBackgroundColor(backgroundColorList()[std::size_t(tag)]);

@@ -55,6 +55,7 @@ void GridViewController::viewDidLoad() {
     collectionview_ = new QScrollArea(this);
     collectionview_->setFrameShape(QFrame::NoFrame);
     collectionview_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    collectionview_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     collectionview_->setStyleSheet(QStringLiteral("QScrollArea { background: white; }"));
     content_ = new QWidget;
     content_->setStyleSheet(QStringLiteral("background: #e4e4e8;"));
@@ -80,12 +81,13 @@ void GridViewController::layoutViews() {
     backButton_->setGeometry(16, kTitleTop, 32, 32);
     collectionview_->setGeometry(0, kHeaderHeight, width(), height() - kHeaderHeight);
     const int columns = int(numberOfColumns);
-    const int side = int(itemSide(collectionview_->viewport()->width()));
+    // The scroll area's own width: its viewport follows only once the area has laid itself out.
+    const int side = int(itemSide(width()));
     const int step = side + int(interitemSpacing);
     for (int i = 0; i < cells_.size(); ++i)
         cells_[i]->setGeometry((i % columns) * step, (i / columns) * step, side, side);
     const int rows = int((cells_.size() + columns - 1) / columns);
-    content_->resize(collectionview_->viewport()->width(), rows * step);
+    content_->resize(width(), rows * step);
 }
 
 void GridViewController::didSelectItem(int item) {

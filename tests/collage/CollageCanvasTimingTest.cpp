@@ -4,6 +4,7 @@
 
 #include "CollageTestSupport.h"
 
+#include <QPainter>
 #include <QPointingDevice>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -81,6 +82,32 @@ TEST(CollageCanvasTiming, QuickReselectionKeepsTheCheckmark) {
     testsupport::spin(400);
     EXPECT_FALSE(canvas.pane(1)->isCheckmarkVisible());
     EXPECT_TRUE(canvas.pane(0)->isCheckmarkVisible());
+}
+
+// Quarter turns clicked faster than they animate must still end on the last turn asked for: the picture
+// takes the short way round from wherever the previous turn had got to.
+TEST(CollageCanvasTiming, QuickQuarterTurnsEndWhereSlowOnesDo) {
+    RealTimeAnimations realTime;
+    // Red on the left, blue on the right: a quarter turn one way and three the other way differ.
+    QImage halves(300, 400, QImage::Format_RGB32);
+    halves.fill(Qt::red);
+    QPainter(&halves).fillRect(150, 0, 150, 400, Qt::blue);
+    auto turned = [&](int pauseMs) {
+        Canvas canvas;
+        canvas.view.configure({Image::make(halves), Image::make(halves)},
+                              CollageLayoutOption::twoColumnsEqual);
+        testsupport::spin(1100); // the panes' scale-in
+        for (int i = 0; i < 3; ++i) {
+            canvas.pane(0)->rotateQuarterTurn();
+            testsupport::spin(pauseMs);
+        }
+        testsupport::spin(500);
+        const ImagePtr flat = canvas.view.flattenedImage();
+        return flat ? flat->bitmap() : QImage();
+    };
+    const QImage slow = turned(400), quick = turned(40);
+    ASSERT_FALSE(slow.isNull());
+    EXPECT_EQ(quick, slow);
 }
 
 TEST(CollageCanvasGestures, TwoFingersPanByTheirCentreAndZoomByTheirSpread) {

@@ -28,7 +28,7 @@ private:
     double scale_ = 1.0;
 };
 
-// The strip of caption colours: 135 swatches from the swatch table, 60 points apart, starting half the
+// The strip of caption colours: one swatch per entry of the swatch table, 60 points apart, starting half the
 // strip's width from the left so the first can stand in the middle. The swatches are made on the main
 // queue after the strip, so the panel opens at once. A tap enlarges the swatch, reports its colour and
 // scrolls it to the middle.
@@ -37,7 +37,7 @@ class ColorSwatchStripView : public QScrollArea {
 public:
     static constexpr int swatchSide = 30, swatchStep = 60, swatchY = 25;
 
-    // "color-wheel" and then 134 colours, some repeated.
+    // "color-wheel" and then the caption colours in families of tints, some repeated on purpose.
     static const QStringList& swatchTable();
 
     explicit ColorSwatchStripView(QWidget* parent = nullptr);

@@ -107,6 +107,8 @@ public:
     const QList<QPushButton*>& patternButtons() const { return patternButtons_; }
     const QList<MirrorCell*>& highMirrorCells() const { return highMirrorCells_; }
     const QList<FontCell*>& fontCells() const { return fontCells_; }
+    QScrollArea* mirrorPatternScrollView() const { return mirrorPatternScrollView_; }
+    QScrollArea* fontCollectionView() const { return fontCollectionView_; }
     FilterStripView* filterStrip() const { return filterScrollView_; }
     ColorSwatchStripView* swatchStrip() const { return buttonScrollView_; }
     QSlider* opacitySlider() const { return opacitySlider_; }

@@ -141,17 +141,16 @@ protected:
     }
     // Waits for the share screen and the share sheet it opens, then goes back to the editor.
     void finishAtShareScreen(CollageViewController* editor) {
-        auto* sheet = waitForPresented<ShareSheet>();
+        // A screen that slides away takes the clicks meant for what is under it until it has gone.
+        QPointer<ShareSheet> sheet = waitForPresented<ShareSheet>();
         ASSERT_NE(sheet, nullptr);
         click(sheet->buttonWithTitle(QStringLiteral("Cancel")));
-        auto* share = waitForPresented<RateShareController>();
+        ASSERT_TRUE(testsupport::waitUntil([&] { return sheet.isNull(); }));
+        QPointer<RateShareController> share = waitForPresented<RateShareController>();
         ASSERT_NE(share, nullptr);
-        // Each card slides away before the screen under it takes clicks again.
-        ASSERT_TRUE(testsupport::waitUntil([&] { return ShareSheet::visibleSheet(window) == nullptr; }));
-        testsupport::spin(400);
         click(share->backButton());
-        ASSERT_TRUE(testsupport::waitUntil([&] { return editor->presentedViewController() == nullptr; }));
-        testsupport::spin(500);
+        ASSERT_TRUE(testsupport::waitUntil([&] { return share.isNull(); }));
+        EXPECT_EQ(editor->presentedViewController(), nullptr);
     }
 };
 

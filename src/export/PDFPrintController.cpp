@@ -45,18 +45,24 @@ void PDFPrintController::viewDidLoad() {
     profileRow->setFixedHeight(52);
     profileRow->setStyleSheet(QStringLiteral("QPushButton { background: white; border: 0.5px solid #949494;"
                                              " border-radius: 8px; }"));
+    // The caption above the chosen profile's words, which are long, and a chevron that says it opens.
     auto* row = new QHBoxLayout(profileRow);
-    row->setContentsMargins(12, 0, 12, 0);
+    row->setContentsMargins(12, 4, 12, 4);
+    auto* words = new QVBoxLayout;
+    words->setSpacing(0);
     auto* caption = new QLabel(QStringLiteral("Color profile"), profileRow);
     caption->setStyleSheet(QStringLiteral("color: black; font-size: 15px; font-weight: 600; border: none;"));
     colorProfileLbl_ = new QLabel(colorProfileWords()[0], profileRow);
     colorProfileLbl_->setObjectName(QStringLiteral("colorProfileLbl"));
     colorProfileLbl_->setStyleSheet(QStringLiteral("color: #6e6e73; font-size: 13px; border: none;"));
-    for (QLabel* label : {caption, colorProfileLbl_})
+    auto* chevron = new QLabel(QStringLiteral("›"), profileRow);
+    chevron->setStyleSheet(QStringLiteral("color: #8e8e93; font-size: 18px; border: none;"));
+    for (QLabel* label : {caption, colorProfileLbl_, chevron})
         label->setAttribute(Qt::WA_TransparentForMouseEvents);
-    row->addWidget(caption);
-    row->addStretch(1);
-    row->addWidget(colorProfileLbl_);
+    words->addWidget(caption);
+    words->addWidget(colorProfileLbl_);
+    row->addLayout(words, 1);
+    row->addWidget(chevron);
     colorprofileView_ = profileRow;
     content->addWidget(profileRow);
 

@@ -393,8 +393,10 @@ void MirrorVController::backButton() {
     auto* alert = new Alert(QStringLiteral("Warning!!!"), QStringLiteral("Editing will be lost!"));
     QPointer<MirrorVController> self(this);
     alert->addAction({QStringLiteral("OK"), AlertActionStyle::defaultStyle, [self] {
-                          if (self)
-                              self->dismiss(true);
+                          // Asked of the presenter, so the alert on its way out is not taken for
+                          // the screen to close.
+                          if (self && self->presentingViewController())
+                              self->presentingViewController()->dismiss(true);
                       }});
     alert->addAction({QStringLiteral("Edit"), AlertActionStyle::cancel, {}});
     present(alert, true);

@@ -1,11 +1,13 @@
 #include "ai/AIBlendingViewController.h"
 #include "collage/CollageEditorViewController.h"
 #include "collage/PhotoLoading.h"
+#include "frames/GridViewController.h"
 #include "platform/Alert.h"
 #include "platform/AppWindow.h"
 #include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
 #include "platform/UserDefaults.h"
+#include "shell/AppStartup.h"
 #include "shell/FeatureGridCell.h"
 #include "shell/NewHomePageController.h"
 #include "support/TestSupport.h"
@@ -140,9 +142,16 @@ TEST_F(HomeScreenTest, CancelledPickerAndPicMixerPhotosOpenNothing) {
     EXPECT_EQ(home->pendingDestination(), EditorDestination::picMixer);
     testsupport::spin(300);
     EXPECT_EQ(home->presentedViewController(), nullptr);
-    // The classic and mirror editors are not built yet: their cards do nothing.
-    for (int card : {2, 3})
-        home->didSelectFeature(card);
+    // The Layout card opens the grid of classic frames over the home screen.
+    AppStartup::registerScreens();
+    home->didSelectFeature(2);
+    auto* grid = qobject_cast<GridViewController*>(home->presentedViewController());
+    ASSERT_NE(grid, nullptr);
+    EXPECT_EQ(grid->modalPresentationStyle(), ModalPresentationStyle::overCurrentContext);
+    grid->dismiss(false);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return home->presentedViewController() == nullptr; }));
+    // The mirror editor is not built yet: its card does nothing.
+    home->didSelectFeature(3);
     EXPECT_EQ(home->presentedViewController(), nullptr);
 
     // The AI Blend card opens the template screen inside a navigation stack without a bar.

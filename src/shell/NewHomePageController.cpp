@@ -3,6 +3,7 @@
 #include "ai/AIBlendingViewController.h"
 #include "collage/CollageEditorViewController.h"
 #include "collage/CollageEditorViewModel.h"
+#include "mixer/PicMixerViewController.h"
 #include "collage/PhotoLoading.h"
 #include "mirror/MirrorVController.h"
 #include "platform/Alert.h"
@@ -506,12 +507,12 @@ void NewHomePageController::openEditor(std::vector<ImagePtr> images) {
         present(editor, true);
         break;
     }
-    case EditorDestination::picMixer:
-        printLine(
-            QStringLiteral("Pic Mixer is not available in this build yet; %1 photos were picked for it.")
-                .arg(images.size())
-                .toStdString());
+    case EditorDestination::picMixer: {
+        auto* mixer = new PicMixerViewController(std::make_unique<PicMixerViewModel>(std::move(images)));
+        mixer->setModalPresentationStyle(ModalPresentationStyle::fullScreen);
+        present(mixer, true);
         break;
+    }
     }
 }
 

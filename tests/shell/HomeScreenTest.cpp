@@ -2,6 +2,7 @@
 #include "collage/CollageEditorViewController.h"
 #include "collage/PhotoLoading.h"
 #include "frames/GridViewController.h"
+#include "mixer/PicMixerViewController.h"
 #include "platform/Alert.h"
 #include "platform/AppWindow.h"
 #include "platform/NavigationController.h"
@@ -129,19 +130,26 @@ TEST_F(HomeScreenTest, EightPhotosOpenTheEditorWithEightPaneLayouts) {
     EXPECT_EQ(Alert::visibleAlert(&window), nullptr);
 }
 
-TEST_F(HomeScreenTest, CancelledPickerAndPicMixerPhotosOpenNothing) {
+TEST_F(HomeScreenTest, CancelledPickerOpensNothingAndPicMixerPhotosOpenTheMixer) {
     showHome();
     pickerAnswers(std::nullopt);
     home->didSelectFeature(0);
     testsupport::spin(100);
     EXPECT_EQ(home->presentedViewController(), nullptr);
 
-    // The Pic Mixer takes its photos but has no screen to open yet; neither alert nor collage follows.
+    // The Pic Mixer card opens the mixer, full screen, on the picked photos.
     pickerAnswers(samplePhotos(3));
     QTest::mouseClick(home->featureCell(4), Qt::LeftButton);
     EXPECT_EQ(home->pendingDestination(), EditorDestination::picMixer);
-    testsupport::spin(300);
-    EXPECT_EQ(home->presentedViewController(), nullptr);
+    PicMixerViewController* mixer = nullptr;
+    ASSERT_TRUE(testsupport::waitUntil([&] {
+        mixer = qobject_cast<PicMixerViewController*>(home->presentedViewController());
+        return mixer && !mixer->isProcessing();
+    }, 60000));
+    EXPECT_EQ(mixer->modalPresentationStyle(), ModalPresentationStyle::fullScreen);
+    EXPECT_EQ(mixer->viewModel().images().size(), 3u);
+    mixer->dismiss(false);
+    ASSERT_TRUE(testsupport::waitUntil([&] { return home->presentedViewController() == nullptr; }));
     // The Layout card opens the grid of classic frames over the home screen.
     AppStartup::registerScreens();
     home->didSelectFeature(2);

@@ -8,6 +8,7 @@
 #include "mirror/MirrorCanvasView.h"
 #include "mirror/MirrorScreens.h"
 #include "overlay/OverlayScreens.h"
+#include "overlay/TextEditViewController.h"
 #include "platform/Alert.h"
 #include "platform/AppWindow.h"
 #include "platform/Screen.h"
@@ -154,6 +155,23 @@ TEST_F(MirrorEditorTest, SaveHidesHandlesAndOpensTheChooser) {
     for (StickerView* sticker : editor->containerView()->stickersOnCanvas())
         EXPECT_FALSE(sticker->showEditingHandlers);
     EXPECT_NE(qobject_cast<SavingTypeController*>(editor->presentedViewController()), nullptr);
+}
+
+// A double-click on a caption opens the text entry on its text; what comes back replaces it.
+TEST_F(MirrorEditorTest, DoubleTapRewritesTheCaptionInPlace) {
+    CaptionLabelView* first = addCaption(QStringLiteral("One"));
+    addCaption(QStringLiteral("Two"));
+    const QSizeF size = first->size();
+    editor->doubleTapped(editor->allStickerView[0]);
+    auto* entry = qobject_cast<TextEditViewController*>(editor->presentedViewController());
+    ASSERT_NE(entry, nullptr);
+    EXPECT_TRUE(entry->isdoubleTap);
+    EXPECT_EQ(entry->textedited, QStringLiteral("One"));
+    editor->textEdited(QStringLiteral("A much longer first caption"));
+    EXPECT_EQ(first->text(), QStringLiteral("A much longer first caption"));
+    EXPECT_EQ(first->size(), size);
+    EXPECT_LT(first->fittedPointSize(), first->font().pixelSize());
+    EXPECT_EQ(editor->stickerLblArr[1]->text(), QStringLiteral("Two"));
 }
 
 TEST_F(MirrorEditorTest, BackAsksAndEditKeepsEverything) {

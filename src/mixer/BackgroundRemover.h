@@ -24,11 +24,11 @@ public:
     // mask stretched to the picture on each axis on its own, softened by a blur of 0.8 pixels and then
     // shrunk by one pixel, so a soft edge stays inside the subject; the picture shown through it over
     // clear. Null for a missing bitmap or mask.
-    static ImagePtr cutout(const Image& image, const QImage& mask);
+    static ImagePtr cutout(const Image& image, QImage mask);
     // The mask steps alone: stretch, blur, erode, at `size`.
     static QImage preparedMask(const QImage& mask, const QSize& size);
-    // The same into `out` (Format_Grayscale8), whose pixels are reused when it already has `size`.
-    // The blur and the erosion work in place, so one buffer of the picture's size is all it takes.
+    // The same into `out` (Format_Grayscale8), whose pixels are reused when it already has `size`; `out`
+    // may be `mask` itself. The steps alternate with a buffer the calling thread keeps for the next call.
     static void prepareMask(const QImage& mask, const QSize& size, QImage& out);
 
 private:

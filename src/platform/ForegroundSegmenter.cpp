@@ -8,6 +8,7 @@
 #include <QStandardPaths>
 #include <algorithm>
 #include <cmath>
+#include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
 #include <vector>
 
@@ -25,6 +26,8 @@ constexpr double borderFraction = 0.03;
 // Beyond this fraction of the longer side from every subject found, the picture is background for
 // certain: limbs may reach that far out of a detector's box, and nothing else may join the subject.
 constexpr double reachFraction = 0.15;
+// The detectors look at a copy of this longer side (they shrink anything larger to it themselves).
+constexpr int detectionSide = 640;
 // A cut-out smaller than this, or larger, is no confident answer.
 constexpr double minForeground = 0.004, maxForeground = 0.92;
 // The edge refinement: spatial spread in working-copy pixels, colour spread in 8-bit levels.
@@ -46,13 +49,17 @@ cv::Mat shrunkTo(const cv::Mat& image, cv::Size size) {
     return out;
 }
 
-cv::Size workingSize(const QSize& full) {
+cv::Size scaledToSide(const QSize& full, int side) {
     const int longer = std::max(full.width(), full.height());
-    if (longer <= GrabCutSegmenter::workingSide)
+    if (longer <= side)
         return cv::Size(full.width(), full.height());
-    const double scale = double(GrabCutSegmenter::workingSide) / longer;
+    const double scale = double(side) / longer;
     return cv::Size(std::max(1, int(std::lround(full.width() * scale))),
                     std::max(1, int(std::lround(full.height() * scale))));
+}
+
+cv::Size workingSize(const QSize& full) {
+    return scaledToSide(full, GrabCutSegmenter::workingSide);
 }
 
 cv::Rect toPixels(const QRectF& normalisedBottomLeft, cv::Size size) {
@@ -124,10 +131,10 @@ struct Seeds {
     std::vector<cv::Rect> cores;   // subject for certain
 };
 
-Seeds findSubjects(const QImage& upright, const cv::Mat& working) {
+Seeds findSubjects(const QImage& detectionCopy, const cv::Mat& working) {
     Seeds seeds;
     const cv::Size size = working.size();
-    const VisionRequestHandler handler(upright, ImageOrientation::up);
+    const VisionRequestHandler handler(detectionCopy, ImageOrientation::up);
     if (const auto people = handler.detectHumanRectangles())
         for (const auto& person : *people) {
             const cv::Rect body = toPixels(person.boundingBox, size);
@@ -137,19 +144,20 @@ Seeds findSubjects(const QImage& upright, const cv::Mat& working) {
                                            std::max(1, body.width / 5), std::max(1, body.height * 3 / 5)) &
                                   cv::Rect(0, 0, size.width, size.height));
         }
-    // Faces add the people the body detector misses: turned away, cut by the frame, sitting. A face
-    // inside a person already found only makes that person's core surer.
-    if (const auto faces = handler.detectFaceRectangles())
-        for (const auto& face : *faces) {
-            const cv::Rect f = toPixels(face.boundingBox, size);
-            const cv::Point centre(f.x + f.width / 2, f.y + f.height / 2);
-            const bool known = std::any_of(seeds.regions.begin(), seeds.regions.end(),
-                                           [&](const cv::Rect& r) { return r.contains(centre); });
-            if (!known)
-                seeds.regions.push_back(
-                    padded(f, faceBodySides, faceBodySides, faceBodyAbove, faceBodyBelow, size));
-            seeds.cores.push_back(padded(f, -0.2, -0.2, -0.1, -0.1, size));
-        }
+    // Without a standing person, faces stand for the people the body detector misses: bent, sitting,
+    // cut by the frame. (The face pass is the dearer of the two, so it is not run once people are found.)
+    if (seeds.regions.empty())
+        if (const auto faces = handler.detectFaceRectangles())
+            for (const auto& face : *faces) {
+                const cv::Rect f = toPixels(face.boundingBox, size);
+                const cv::Point centre(f.x + f.width / 2, f.y + f.height / 2);
+                const bool known = std::any_of(seeds.regions.begin(), seeds.regions.end(),
+                                               [&](const cv::Rect& r) { return r.contains(centre); });
+                if (!known)
+                    seeds.regions.push_back(
+                        padded(f, faceBodySides, faceBodySides, faceBodyAbove, faceBodyBelow, size));
+                seeds.cores.push_back(padded(f, -0.2, -0.2, -0.1, -0.1, size));
+            }
     if (seeds.regions.empty())
         if (const auto box = salientBox(working)) {
             seeds.regions.push_back(padded(*box, 0.05, 0.05, 0.05, 0.05, size));
@@ -246,38 +254,41 @@ QImage refinedAtFullSize(const cv::Mat& low, const cv::Mat& lowBgr, const QImage
         lowX[std::size_t(X)] = std::clamp(int(std::floor(u + 0.5)), 0, w - 1);
         fracX[std::size_t(X)] = float(u);
     }
-    for (int Y = 0; Y < H; ++Y) {
-        const double v = (Y + 0.5) * sy - 0.5;
-        const int vy = std::clamp(int(std::floor(v + 0.5)), 0, h - 1);
-        const uchar* labelRow = low.ptr<uchar>(vy);
-        const uchar* edgeRow = edge.ptr<uchar>(vy);
-        const uchar* pixels = full.constScanLine(Y);
-        uchar* out = mask.scanLine(Y);
-        for (int X = 0; X < W; ++X) {
-            const int ux = lowX[std::size_t(X)];
-            if (!edgeRow[ux]) {
-                out[X] = labelRow[ux] ? 255 : 0;
-                continue;
-            }
-            const uchar* p = pixels + 4 * X;
-            float sum = 0.f, weight = 0.f;
-            for (int qy = std::max(0, vy - 1); qy <= std::min(h - 1, vy + 1); ++qy) {
-                const float dy = float(v) - float(qy);
-                const uchar* qLabel = low.ptr<uchar>(qy);
-                const uchar* qColour = lowBgr.ptr<uchar>(qy);
-                for (int qx = std::max(0, ux - 1); qx <= std::min(w - 1, ux + 1); ++qx) {
-                    const float dx = fracX[std::size_t(X)] - float(qx);
-                    const uchar* c = qColour + 3 * qx;
-                    const float db = float(p[0]) - c[0], dg = float(p[1]) - c[1], dr = float(p[2]) - c[2];
-                    const float wq =
-                        std::exp(-(dx * dx + dy * dy) * inv2s - (db * db + dg * dg + dr * dr) * inv2r);
-                    sum += wq * qLabel[qx];
-                    weight += wq;
+    cv::parallel_for_(cv::Range(0, H), [&](const cv::Range& rows) {
+        for (int Y = rows.start; Y < rows.end; ++Y) {
+            const double v = (Y + 0.5) * sy - 0.5;
+            const int vy = std::clamp(int(std::floor(v + 0.5)), 0, h - 1);
+            const uchar* labelRow = low.ptr<uchar>(vy);
+            const uchar* edgeRow = edge.ptr<uchar>(vy);
+            const uchar* pixels = full.constScanLine(Y);
+            uchar* out = mask.scanLine(Y);
+            for (int X = 0; X < W; ++X) {
+                const int ux = lowX[std::size_t(X)];
+                if (!edgeRow[ux]) {
+                    out[X] = labelRow[ux] ? 255 : 0;
+                    continue;
                 }
+                const uchar* p = pixels + 4 * X;
+                float sum = 0.f, weight = 0.f;
+                for (int qy = std::max(0, vy - 1); qy <= std::min(h - 1, vy + 1); ++qy) {
+                    const float dy = float(v) - float(qy);
+                    const uchar* qLabel = low.ptr<uchar>(qy);
+                    const uchar* qColour = lowBgr.ptr<uchar>(qy);
+                    for (int qx = std::max(0, ux - 1); qx <= std::min(w - 1, ux + 1); ++qx) {
+                        const float dx = fracX[std::size_t(X)] - float(qx);
+                        const uchar* c = qColour + 3 * qx;
+                        const float db = float(p[0]) - c[0], dg = float(p[1]) - c[1], dr = float(p[2]) - c[2];
+                        const float wq =
+                            std::exp(-(dx * dx + dy * dy) * inv2s - (db * db + dg * dg + dr * dr) * inv2r);
+                        sum += wq * qLabel[qx];
+                        weight += wq;
+                    }
+                }
+                out[X] =
+                    weight > 1e-12f ? uchar(std::lround(255.f * sum / weight)) : (labelRow[ux] ? 255 : 0);
             }
-            out[X] = weight > 1e-12f ? uchar(std::lround(255.f * sum / weight)) : (labelRow[ux] ? 255 : 0);
         }
-    }
+    });
     return mask;
 }
 
@@ -291,11 +302,16 @@ std::optional<QImage> GrabCutSegmenter::foregroundMask(const QImage& upright) co
         // same mask. The generator is the calling thread's own.
         cv::theRNG().state = 0x1F2E3D4C5B6A7988ULL;
         const QImage full = upright.depth() == 32 ? upright : upright.convertToFormat(QImage::Format_RGB32);
+        // One pass over the full picture: a copy for the detectors, and from it the working copy.
         const cv::Size size = workingSize(full.size());
+        const cv::Size detectionSize = scaledToSide(full.size(), detectionSide);
+        const cv::Mat detection = shrunkTo(wrap32(full), detectionSize);
         cv::Mat working;
-        cv::cvtColor(shrunkTo(wrap32(full), size), working, cv::COLOR_BGRA2BGR);
+        cv::cvtColor(shrunkTo(detection, size), working, cv::COLOR_BGRA2BGR);
+        const QImage detectionCopy(detection.data, detection.cols, detection.rows, int(detection.step),
+                                   QImage::Format_RGB32);
 
-        const Seeds seeds = findSubjects(full, working);
+        const Seeds seeds = findSubjects(detectionCopy, working);
         if (seeds.regions.empty())
             return std::nullopt;
         cv::Mat labels = initialLabels(seeds, size);

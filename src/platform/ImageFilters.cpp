@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <opencv2/core/utility.hpp>
 #include <opencv2/imgproc.hpp>
 
 namespace {
@@ -104,21 +105,24 @@ QImage blendWithMaskOverClear(const QImage& image, const QImage& mask) {
     if (input.isNull() || result.isNull())
         return {};
     const bool opaque = !input.hasAlphaChannel();
-    for (int y = 0; y < input.height(); ++y) {
-        const quint32* in = reinterpret_cast<const quint32*>(input.constScanLine(y));
-        const uchar* m = mask.constScanLine(y);
-        quint32* out = reinterpret_cast<quint32*>(result.scanLine(y));
-        for (int x = 0; x < input.width(); ++x) {
-            const quint32 pixel = opaque ? (in[x] | 0xFF000000u) : in[x];
-            const quint32 k = m[x];
-            // Two channels at a time: (c × k + 128) × 257 >> 16 is c × k / 255 rounded.
-            quint32 rb = (pixel & 0x00FF00FFu) * k + 0x00800080u;
-            rb = ((rb + ((rb >> 8) & 0x00FF00FFu)) >> 8) & 0x00FF00FFu;
-            quint32 ag = ((pixel >> 8) & 0x00FF00FFu) * k + 0x00800080u;
-            ag = (ag + ((ag >> 8) & 0x00FF00FFu)) & 0xFF00FF00u;
-            out[x] = rb | ag;
+    // Rows are split among the cores; each writes only its own.
+    cv::parallel_for_(cv::Range(0, input.height()), [&](const cv::Range& rows) {
+        for (int y = rows.start; y < rows.end; ++y) {
+            const quint32* in = reinterpret_cast<const quint32*>(input.constScanLine(y));
+            const uchar* m = mask.constScanLine(y);
+            quint32* out = reinterpret_cast<quint32*>(result.scanLine(y));
+            for (int x = 0; x < input.width(); ++x) {
+                const quint32 pixel = opaque ? (in[x] | 0xFF000000u) : in[x];
+                const quint32 k = m[x];
+                // Two channels at a time: (c × k + 128) × 257 >> 16 is c × k / 255 rounded.
+                quint32 rb = (pixel & 0x00FF00FFu) * k + 0x00800080u;
+                rb = ((rb + ((rb >> 8) & 0x00FF00FFu)) >> 8) & 0x00FF00FFu;
+                quint32 ag = ((pixel >> 8) & 0x00FF00FFu) * k + 0x00800080u;
+                ag = (ag + ((ag >> 8) & 0x00FF00FFu)) & 0xFF00FF00u;
+                out[x] = rb | ag;
+            }
         }
-    }
+    });
     return result;
 }
 

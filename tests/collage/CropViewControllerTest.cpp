@@ -112,6 +112,17 @@ TEST(CroppedImageTest, HonoursTheOrientationFlagAndClipsToThePicture) {
     EXPECT_FALSE(croppedImage(*image, {0, QRect()}));
 }
 
+TEST(CropGeometryTest, FreeEdgesStopAtTheirOwnSideOfAWidePicture) {
+    // Wider than tall and off the origin at different distances, so a horizontal limit taken from the
+    // vertical one (or the other way) shows.
+    const QRectF bounds(10, 20, 400, 300);
+    const QRectF start(100, 50, 100, 100);
+    const QRectF pulled = CropGeometry::resized(start, CropHandle::bottomRight, {900, 900}, bounds, 0.0, 10);
+    EXPECT_EQ(pulled, QRectF(100, 50, 310, 270));
+    const QRectF pushed = CropGeometry::resized(start, CropHandle::topLeft, {-900, -900}, bounds, 0.0, 10);
+    EXPECT_EQ(pushed, QRectF(10, 20, 190, 130));
+}
+
 TEST(CropGeometryTest, FixedShapeCornerFollowsThePointerAlongTheDiagonal) {
     const QRectF bounds(0, 0, 400, 300);
     const QRectF start(100, 100, 120, 90); // 4:3

@@ -226,6 +226,12 @@ TEST_F(StickerViewTest, CtrlWheelScalesDownToTheMinimum) {
     EXPECT_NEAR(sticker->bounds().height(), 44 * 1.1, 1e-6);
 }
 
+TEST_F(StickerViewTest, AltWheelTurnsFifteenDegreesANotch) {
+    const double before = sticker->rotationAngle();
+    wheel(sticker->center(), 240, Qt::AltModifier);
+    EXPECT_NEAR(sticker->rotationAngle() - before, 30 * M_PI / 180, 1e-9);
+}
+
 TEST_F(StickerViewTest, TwoFingersTurnAndScaleAboutTheCentre) {
     QPointingDevice* screen = QTest::createTouchDevice();
     const QPointF c = sticker->center();

@@ -44,6 +44,17 @@ TEST(Animations, RealTimeRunsToEndAndStopsWithItsOwner) {
     EXPECT_FALSE(orphanDone);
 }
 
+TEST(Animations, CurvesStartSlowEndSlowOrBoth) {
+    EXPECT_DOUBLE_EQ(Animations::curveValue(AnimationCurve::linear, 0.3), 0.3);
+    EXPECT_DOUBLE_EQ(Animations::curveValue(AnimationCurve::easeIn, 0.5), 0.25);
+    EXPECT_DOUBLE_EQ(Animations::curveValue(AnimationCurve::easeOut, 0.5), 0.75);
+    EXPECT_DOUBLE_EQ(Animations::curveValue(AnimationCurve::easeInOut, 0.25), 0.125);
+    EXPECT_DOUBLE_EQ(Animations::curveValue(AnimationCurve::easeInOut, 0.75), 0.875);
+    // Progress outside 0…1 is held at the ends.
+    EXPECT_DOUBLE_EQ(Animations::curveValue(AnimationCurve::easeOut, 1.5), 1.0);
+    EXPECT_DOUBLE_EQ(Animations::curveValue(AnimationCurve::easeIn, -0.5), 0.0);
+}
+
 TEST(Animations, SpringOvershootsOnlyWhenUnderdampedAndSettles) {
     double peakSoft = 0.0;
     double peakStiff = 0.0;

@@ -142,10 +142,12 @@ TEST_F(HomeScreenTest, CancelledPickerOpensNothingAndPicMixerPhotosOpenTheMixer)
     QTest::mouseClick(home->featureCell(4), Qt::LeftButton);
     EXPECT_EQ(home->pendingDestination(), EditorDestination::picMixer);
     PicMixerViewController* mixer = nullptr;
-    ASSERT_TRUE(testsupport::waitUntil([&] {
-        mixer = qobject_cast<PicMixerViewController*>(home->presentedViewController());
-        return mixer && !mixer->isProcessing();
-    }, 60000));
+    ASSERT_TRUE(testsupport::waitUntil(
+        [&] {
+            mixer = qobject_cast<PicMixerViewController*>(home->presentedViewController());
+            return mixer && !mixer->isProcessing();
+        },
+        60000));
     EXPECT_EQ(mixer->modalPresentationStyle(), ModalPresentationStyle::fullScreen);
     EXPECT_EQ(mixer->viewModel().images().size(), 3u);
     mixer->dismiss(false);

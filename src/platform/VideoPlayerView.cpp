@@ -1,17 +1,50 @@
 #include "platform/VideoPlayerView.h"
 
 #include <QMediaPlayer>
+#include <QPainter>
 #include <QPushButton>
 #include <QUrl>
 #include <QVBoxLayout>
-#include <QVideoWidget>
+#include <QVideoFrame>
+#include <QVideoSink>
+
+// The latest frame, fitted into the view on black.
+class VideoFrameView : public QWidget {
+public:
+    explicit VideoFrameView(QWidget* parent) : QWidget(parent) {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    }
+    void setFrame(const QVideoFrame& frame) {
+        frame_ = frame.isValid() ? frame.toImage() : QImage();
+        update();
+    }
+    const QImage& frame() const { return frame_; }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), Qt::black);
+        if (frame_.isNull())
+            return;
+        const QSize fitted = frame_.size().scaled(size(), Qt::KeepAspectRatio);
+        const QRect target(QPoint((width() - fitted.width()) / 2, (height() - fitted.height()) / 2), fitted);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(target, frame_);
+    }
+
+private:
+    QImage frame_;
+};
 
 VideoPlayerView::VideoPlayerView(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("videoPlayerView"));
     player_ = new QMediaPlayer(this);
-    videoWidget_ = new QVideoWidget(this);
-    videoWidget_->setAspectRatioMode(Qt::KeepAspectRatio);
-    player_->setVideoOutput(videoWidget_);
+    frameView_ = new VideoFrameView(this);
+    auto* sink = new QVideoSink(this);
+    connect(sink, &QVideoSink::videoFrameChanged, frameView_,
+            [view = frameView_](const QVideoFrame& frame) { view->setFrame(frame); });
+    player_->setVideoSink(sink);
 
     playPauseButton_ = new QPushButton(this);
     playPauseButton_->setObjectName(QStringLiteral("playPauseButton"));
@@ -22,7 +55,7 @@ VideoPlayerView::VideoPlayerView(QWidget* parent) : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
-    layout->addWidget(videoWidget_, 1);
+    layout->addWidget(frameView_, 1);
     layout->addWidget(playPauseButton_, 0, Qt::AlignHCenter);
 
     connect(player_, &QMediaPlayer::playbackStateChanged, this, [this](QMediaPlayer::PlaybackState state) {
@@ -33,9 +66,9 @@ VideoPlayerView::VideoPlayerView(QWidget* parent) : QWidget(parent) {
 }
 
 VideoPlayerView::~VideoPlayerView() {
-    // Stop before the output goes away so the back end does not render into a deleted widget.
+    // Stop before the sink goes away so the back end does not deliver into a deleted object.
     player_->stop();
-    player_->setVideoOutput(nullptr);
+    player_->setVideoSink(nullptr);
 }
 
 void VideoPlayerView::setSource(const QString& path) {
@@ -54,6 +87,10 @@ void VideoPlayerView::pause() {
 
 bool VideoPlayerView::isPlaying() const {
     return player_->playbackState() == QMediaPlayer::PlayingState;
+}
+
+QImage VideoPlayerView::currentFrame() const {
+    return frameView_->frame();
 }
 
 QString VideoPlayerView::errorString() const {

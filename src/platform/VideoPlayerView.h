@@ -1,14 +1,19 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
 #include <QWidget>
 
 class QMediaPlayer;
 class QPushButton;
-class QVideoWidget;
+class VideoFrameView;
 
 // A video on screen with a play/pause button under it. Where the system has no playback back end
 // the view stays empty and reports that it is not playing; nothing waits on playback.
+//
+// Frames are painted by an ordinary widget rather than shown in the multimedia module's video widget:
+// that one is a native window of its own, which the window system keeps above every sibling, so a sheet
+// presented over the player would be drawn under the video.
 class VideoPlayerView : public QWidget {
     Q_OBJECT
 public:
@@ -27,6 +32,8 @@ public:
 
     QMediaPlayer* player() const { return player_; }
     QPushButton* playPauseButton() const { return playPauseButton_; }
+    // The frame on screen; null before the first one arrives.
+    QImage currentFrame() const;
 
 signals:
     void playingChanged(bool playing);
@@ -36,6 +43,6 @@ private:
 
     QString source_;
     QMediaPlayer* player_ = nullptr;
-    QVideoWidget* videoWidget_ = nullptr;
+    VideoFrameView* frameView_ = nullptr;
     QPushButton* playPauseButton_ = nullptr;
 };

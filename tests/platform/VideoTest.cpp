@@ -5,6 +5,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QPalette>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -72,6 +73,28 @@ TEST_F(VideoFrames, TurnsFramesAsTheDisplayMatrixAsks) {
     EXPECT_GT(frame->pixelColor(24, 8).red(), 180);
     EXPECT_LT(frame->pixelColor(24, 8).green(), 90);
     EXPECT_GT(frame->pixelColor(8, 8).green(), 180);
+}
+
+// The frames are painted in the window like any widget, so a sheet raised over the player covers them.
+TEST_F(VideoFrames, PlayingFramesAreDrawnUnderWhatLiesAbove) {
+    QWidget window;
+    window.resize(200, 200);
+    auto* view = new VideoPlayerView(&window);
+    view->setGeometry(0, 0, 200, 200);
+    auto* sheet = new QWidget(&window);
+    sheet->setAutoFillBackground(true);
+    sheet->setPalette(QPalette(QColor(0, 200, 0)));
+    sheet->setGeometry(0, 100, 200, 100);
+    window.show();
+    view->setSource(path);
+    view->play();
+    ASSERT_TRUE(testsupport::waitUntil([&] { return !view->currentFrame().isNull(); }, 5000))
+        << qPrintable(view->errorString());
+    view->pause();
+    EXPECT_EQ(view->currentFrame().size(), QSize(64, 48));
+    const QImage shown = window.grab().toImage();
+    EXPECT_EQ(shown.pixelColor(100, 150), QColor(0, 200, 0)); // the sheet, on top
+    EXPECT_NE(shown.pixelColor(100, 60), QColor(Qt::black));  // a frame, fitted into the upper part
 }
 
 TEST_F(VideoFrames, PlayerNeverHangsAndPauseStopsPlaying) {

@@ -64,8 +64,9 @@ protected:
                 EXPECT_EQ(shown, editor->mutableImages[std::size_t(i)]) << i;
             }
             for (int j = 0; j < int(editor->mutableImages.size()); ++j) {
-                if (j != i)
+                if (j != i) {
                     EXPECT_NE(shown, editor->mutableImages[std::size_t(j)]) << i << " shows " << j;
+                }
             }
         }
     }

@@ -4,7 +4,6 @@
 #include "collage/CollageEditorViewController.h"
 #include "collage/CollageEditorViewModel.h"
 #include "platform/Animations.h"
-#include "platform/Dispatch.h"
 #include "platform/PhotoLibrary.h"
 #include "platform/Screen.h"
 
@@ -68,7 +67,6 @@ QString samplesFolder() {
 int runDemo(const QString& outDir) {
     // Nobody watches a headless run: every animation lands at once.
     Animations::setInstant(true);
-    Dispatch::keepLibraryWorkOnCallingThreads();
     const QString folder = samplesFolder();
     if (folder.isEmpty()) {
         std::fprintf(stderr, "lumivex demo: the sample photos were not found.\n");

@@ -6,7 +6,6 @@
 #include "collage/PhotoLoading.h"
 #include "platform/Animations.h"
 #include "platform/AppWindow.h"
-#include "platform/Dispatch.h"
 #include "platform/ItemProvider.h"
 
 #include <QCoreApplication>
@@ -128,8 +127,6 @@ std::size_t intake(const QStringList& files, OpenEditor& screen, bool report = f
 void BM_IntakeEightPhotos(benchmark::State& state) {
     const QStringList& files = cameraPhotos();
     Animations::setInstant(true);
-    // As the program configures itself at start.
-    Dispatch::keepLibraryWorkOnCallingThreads();
     for (auto _ : state) {
         auto screen = std::make_unique<OpenEditor>();
         if (intake(files, *screen) != std::size_t(files.size()))
@@ -178,7 +175,6 @@ bool resetPeakResident() {
 
 int runIntakePeak(const QString& what) {
     Animations::setInstant(true);
-    Dispatch::keepLibraryWorkOnCallingThreads();
     QTemporaryDir folder;
     QStringList files;
     if (what == QLatin1String("photos")) {

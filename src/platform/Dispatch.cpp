@@ -13,7 +13,6 @@
 #include <condition_variable>
 #include <map>
 #include <mutex>
-#include <opencv2/core/utility.hpp>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -263,10 +262,6 @@ bool isMainThread() {
 
 int workerCount() {
     return runtime().pool.maxThreadCount();
-}
-
-void keepLibraryWorkOnCallingThreads() {
-    cv::setNumThreads(1);
 }
 
 } // namespace Dispatch

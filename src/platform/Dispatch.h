@@ -54,10 +54,6 @@ DispatchQueue& global(QualityOfService qos = QualityOfService::defaultQos);
 bool isMainThread();
 // How many threads the global queues share; tests use it to occupy all of them.
 int workerCount();
-// Makes the image libraries we call (OpenCV) do each call's work on the calling thread. The global
-// queues already spread the photos over the cores; a library's own threads on top of them only fight
-// the queues for the same cores, which costs about a fifth of an eight-photo intake. Call once at start.
-void keepLibraryWorkOnCallingThreads();
 } // namespace Dispatch
 
 // Counts outstanding work; copies share the same count.

@@ -40,7 +40,6 @@ void AppStartup::start() {
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Lumivex"));
     QGuiApplication::setDesktopFileName(QStringLiteral("lumivex"));
     registerScreens();
-    Dispatch::keepLibraryWorkOnCallingThreads();
     if (!options_.configDir.isEmpty()) {
         QDir().mkpath(options_.configDir);
         UserDefaults::setStandardPath(QDir(options_.configDir).filePath(QStringLiteral("defaults.ini")));

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
+#include <QTcpServer>
 #include <QTcpSocket>
 #include <gtest/gtest.h>
 
@@ -21,7 +22,14 @@ TEST(FaceSwapJourney, ClientAndBundledServiceSwapAFaceIntoATemplate) {
     ASSERT_NE(face, nullptr);
     ASSERT_NE(templatePicture, nullptr) << "the generated templates are missing";
 
-    const int port = 20000 + static_cast<int>(QCoreApplication::applicationPid() % 20000);
+    // A port the system has just handed out as free, rather than one worked out from the process id, which
+    // may fall on a port in use or in the range the system gives out for outgoing connections.
+    int port = 0;
+    {
+        QTcpServer free;
+        ASSERT_TRUE(free.listen(QHostAddress::LocalHost, 0));
+        port = free.serverPort();
+    }
     QProcess service;
     service.start(
         QStringLiteral(LUMIVEX_FACESWAP_BINARY),
@@ -39,7 +47,8 @@ TEST(FaceSwapJourney, ClientAndBundledServiceSwapAFaceIntoATemplate) {
     std::optional<FaceSwapService::SwapResult> submitted;
     client.swapFaces(face, templatePicture, [&](FaceSwapService::SwapResult r) { submitted = std::move(r); });
     ASSERT_TRUE(testsupport::waitUntil([&] { return submitted.has_value(); }, 20000));
-    ASSERT_TRUE(std::holds_alternative<QString>(*submitted));
+    ASSERT_TRUE(std::holds_alternative<QString>(*submitted))
+        << localizedDescription(std::get<FaceSwapError>(*submitted)).toStdString();
 
     std::optional<FaceSwapService::FetchResult> fetched;
     client.fetchResult(std::get<QString>(*submitted),

@@ -29,9 +29,9 @@ MirrorCanvasView::MirrorCanvasView(double side, QWidget* parent) : QGraphicsView
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
     setFixedSize(int(std::ceil(side)), int(std::ceil(side)));
     for (int index = 0; index < MirrorPatterns::lowCount; ++index) {
-        const MirrorPatternSpec& spec = MirrorPatterns::table()[size_t(index)];
-        for (int pane = 0; pane < spec.paneCount(); ++pane) {
-            auto* view = new MirrorPaneView(side, spec.tags[size_t(pane)]);
+        const MirrorPatternLayout& layout = MirrorPatterns::table()[size_t(index)];
+        for (int pane = 0; pane < layout.paneCount(); ++pane) {
+            auto* view = new MirrorPaneView(side, layout.tags[size_t(pane)]);
             view->delegate = this;
             paneSets_[size_t(index)].push_back(view);
         }
@@ -115,11 +115,11 @@ void MirrorCanvasView::applyHighMirrorPattern(int index, bool mirrorFirst) {
 }
 
 void MirrorCanvasView::buildPanes(int index) {
-    const MirrorPatternSpec* spec = MirrorPatterns::pattern(index);
-    if (!spec)
+    const MirrorPatternLayout* layout = MirrorPatterns::pattern(index);
+    if (!layout)
         return;
     const std::vector<MirrorPaneView*>& set = paneSets_[size_t(index)];
-    for (int k = 0; k < spec->paneCount(); ++k) {
+    for (int k = 0; k < layout->paneCount(); ++k) {
         MirrorPaneView* pane = set[size_t(k)];
         pane->setFrame(MirrorPatterns::paneRect(index, k, side_));
         pane->minimumZoomScale = MirrorPatterns::minimumZoomScale;
@@ -127,7 +127,7 @@ void MirrorCanvasView::buildPanes(int index) {
         // The picture's frame is set anew, W × W, so the pane starts unzoomed over it.
         pane->setZoomScale(1.0);
         pane->imageView()->setZoomScale(1.0);
-        pane->imageView()->setImage(MirrorPatterns::imageFor(spec->forms[size_t(k)], selectedImage_));
+        pane->imageView()->setImage(MirrorPatterns::imageFor(layout->forms[size_t(k)], selectedImage_));
         pane->setContentSize(QSizeF(side_, side_));
         pane->setContentInset(QMarginsF());
         pane->autoresizingMask = index == 0 ? 0 : MirrorPatterns::autoresizingMask;

@@ -13,44 +13,44 @@ constexpr auto V = MirrorForm::vertical;
 constexpr auto cols = MirrorSplit::columns;
 constexpr auto rows = MirrorSplit::rows;
 
-MirrorPatternSpec spec(MirrorSplit split, std::vector<MirrorForm> forms, std::vector<int> tags,
-                       MirrorLinkRule rule, int number) {
+MirrorPatternLayout entry(MirrorSplit split, std::vector<MirrorForm> forms, std::vector<int> tags,
+                          MirrorLinkRule rule, int number) {
     return {split, std::move(forms), std::move(tags), rule, QStringLiteral("pt") + QString::number(number)};
 }
 
 } // namespace
 
-const std::array<MirrorPatternSpec, lowCount>& table() {
+const std::array<MirrorPatternLayout, lowCount>& table() {
     using R = MirrorLinkRule;
-    static const std::array<MirrorPatternSpec, lowCount> patterns{{
-        spec(cols, {O, H}, {0, 1}, R::flipX, 1),
-        spec(cols, {H, O}, {20, 21}, R::flipX, 2),
-        spec(cols, {O, O}, {22, 23}, R::same, 3),
-        spec(cols, {H, H}, {5, 6}, R::same, 4),
-        spec(cols, {O, V}, {7, 8}, R::flipX, 5),
-        spec(rows, {O, V}, {9, 10}, R::flipY, 6),
-        spec(rows, {V, O}, {11, 12}, R::flipY, 7),
-        spec(rows, {O, O}, {13, 14}, R::flipY, 8),
-        spec(rows, {O, H}, {15, 16}, R::flipY, 9),
-        spec(cols, {O, O, O}, {17, 18, 19}, R::same, 10),
-        spec(cols, {H, H, H}, {24, 25, 26}, R::same, 11),
-        spec(rows, {O, O, O}, {27, 28, 29}, R::same, 12),
-        spec(rows, {H, H, H}, {30, 31, 32}, R::same, 13),
-        spec(rows, {O, H, O}, {33, 34, 35}, R::same, 14),
-        spec(cols, {O, O, H, H}, {36, 37, 38, 39}, R::pairs, 15),
-        spec(cols, {H, H, O, O}, {40, 41, 42, 43}, R::pairs, 16),
-        spec(cols, {O, O, O, O}, {44, 45, 46, 47}, R::same, 17),
-        spec(cols, {O, H, O, H}, {48, 49, 50, 51}, R::alternate, 18),
+    static const std::array<MirrorPatternLayout, lowCount> patterns{{
+        entry(cols, {O, H}, {0, 1}, R::flipX, 1),
+        entry(cols, {H, O}, {20, 21}, R::flipX, 2),
+        entry(cols, {O, O}, {22, 23}, R::same, 3),
+        entry(cols, {H, H}, {5, 6}, R::same, 4),
+        entry(cols, {O, V}, {7, 8}, R::flipX, 5),
+        entry(rows, {O, V}, {9, 10}, R::flipY, 6),
+        entry(rows, {V, O}, {11, 12}, R::flipY, 7),
+        entry(rows, {O, O}, {13, 14}, R::flipY, 8),
+        entry(rows, {O, H}, {15, 16}, R::flipY, 9),
+        entry(cols, {O, O, O}, {17, 18, 19}, R::same, 10),
+        entry(cols, {H, H, H}, {24, 25, 26}, R::same, 11),
+        entry(rows, {O, O, O}, {27, 28, 29}, R::same, 12),
+        entry(rows, {H, H, H}, {30, 31, 32}, R::same, 13),
+        entry(rows, {O, H, O}, {33, 34, 35}, R::same, 14),
+        entry(cols, {O, O, H, H}, {36, 37, 38, 39}, R::pairs, 15),
+        entry(cols, {H, H, O, O}, {40, 41, 42, 43}, R::pairs, 16),
+        entry(cols, {O, O, O, O}, {44, 45, 46, 47}, R::same, 17),
+        entry(cols, {O, H, O, H}, {48, 49, 50, 51}, R::alternate, 18),
     }};
     return patterns;
 }
 
-const MirrorPatternSpec* pattern(int index) {
+const MirrorPatternLayout* pattern(int index) {
     return index >= 0 && index < lowCount ? &table()[size_t(index)] : nullptr;
 }
 
 QRectF paneRect(int index, int pane, double side) {
-    const MirrorPatternSpec* p = pattern(index);
+    const MirrorPatternLayout* p = pattern(index);
     if (!p || pane < 0 || pane >= p->paneCount())
         return {};
     const double step = side / p->paneCount();
@@ -78,7 +78,7 @@ ImagePtr imageFor(MirrorForm form, const ImagePtr& selectedImage) {
 }
 
 QPointF restOffset(int index, int pane, double side) {
-    const MirrorPatternSpec* p = pattern(index);
+    const MirrorPatternLayout* p = pattern(index);
     if (!p || pane < 0 || pane >= p->paneCount())
         return {};
     double along = 0;
@@ -123,7 +123,7 @@ bool zoomsOwnPicture(int index) {
 }
 
 std::vector<MirrorLinkUpdate> linkPane(int index, int source, const MirrorScrollState& state) {
-    const MirrorPatternSpec* p = pattern(index);
+    const MirrorPatternLayout* p = pattern(index);
     std::vector<MirrorLinkUpdate> updates;
     if (!p || source < 0 || source >= p->paneCount())
         return updates;

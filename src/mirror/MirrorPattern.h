@@ -23,7 +23,7 @@ enum class MirrorSplit { columns, rows };
 // How the other panes follow a pane that scrolls (see linkPane).
 enum class MirrorLinkRule { flipX, same, flipY, pairs, alternate };
 
-struct MirrorPatternSpec {
+struct MirrorPatternLayout {
     MirrorSplit split = MirrorSplit::columns;
     std::vector<MirrorForm> forms; // one a pane, in pane order
     std::vector<int> tags;         // of the panes' outer and image views
@@ -61,9 +61,9 @@ constexpr double maximumZoomScale = 4.0;
 constexpr int autoresizingMask = 18;
 
 // The 18 patterns in strip order.
-const std::array<MirrorPatternSpec, lowCount>& table();
+const std::array<MirrorPatternLayout, lowCount>& table();
 // A pattern by index, or null out of range.
-const MirrorPatternSpec* pattern(int index);
+const MirrorPatternLayout* pattern(int index);
 
 // Pane `pane` of pattern `index` on a canvas of side `side`; empty out of range.
 QRectF paneRect(int index, int pane, double side);

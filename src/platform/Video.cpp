@@ -1,5 +1,7 @@
 #include "platform/Video.h"
 
+#include "platform/FfmpegSupport.h"
+
 #include <QTransform>
 #include <cmath>
 #include <memory>
@@ -13,23 +15,7 @@ extern "C" {
 
 namespace {
 
-struct FormatCloser {
-    void operator()(AVFormatContext* c) const { avformat_close_input(&c); }
-};
-struct CodecFreer {
-    void operator()(AVCodecContext* c) const { avcodec_free_context(&c); }
-};
-struct FrameFreer {
-    void operator()(AVFrame* f) const { av_frame_free(&f); }
-};
-struct PacketFreer {
-    void operator()(AVPacket* p) const { av_packet_free(&p); }
-};
-struct ScalerFreer {
-    void operator()(SwsContext* s) const { sws_freeContext(s); }
-};
-
-using FramePtr = std::unique_ptr<AVFrame, FrameFreer>;
+using FramePtr = ffmpeg::Frame;
 
 // Clockwise quarter turns the display matrix asks for, in degrees (0, 90, 180, 270).
 int displayRotation(const AVStream* stream) {
@@ -50,7 +36,7 @@ std::optional<QImage> toImage(const AVFrame* frame, AVRational sampleAspect) {
     const int height = frame->height;
     if (sampleAspect.num > 0 && sampleAspect.den > 0 && sampleAspect.num != sampleAspect.den)
         width = std::max(1, static_cast<int>(std::lround(width * av_q2d(sampleAspect))));
-    std::unique_ptr<SwsContext, ScalerFreer> scaler(sws_getContext(
+    ffmpeg::Scaler scaler(sws_getContext(
         frame->width, height, static_cast<AVPixelFormat>(frame->format), width, height, AV_PIX_FMT_RGB32,
         SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
     if (!scaler)
@@ -76,7 +62,7 @@ std::optional<QImage> frameAt(const QString& path, double seconds) {
     AVFormatContext* rawFormat = nullptr;
     if (avformat_open_input(&rawFormat, path.toUtf8().constData(), nullptr, nullptr) < 0)
         return std::nullopt;
-    std::unique_ptr<AVFormatContext, FormatCloser> format(rawFormat);
+    ffmpeg::Input format(rawFormat);
     if (avformat_find_stream_info(format.get(), nullptr) < 0)
         return std::nullopt;
 
@@ -86,7 +72,7 @@ std::optional<QImage> frameAt(const QString& path, double seconds) {
         return std::nullopt;
     AVStream* stream = format->streams[streamIndex];
 
-    std::unique_ptr<AVCodecContext, CodecFreer> decoder(avcodec_alloc_context3(codec));
+    ffmpeg::Codec decoder(avcodec_alloc_context3(codec));
     if (!decoder || avcodec_parameters_to_context(decoder.get(), stream->codecpar) < 0)
         return std::nullopt;
     decoder->thread_count = 1;
@@ -101,7 +87,7 @@ std::optional<QImage> frameAt(const QString& path, double seconds) {
         av_seek_frame(format.get(), streamIndex, start, AVSEEK_FLAG_BACKWARD);
     avcodec_flush_buffers(decoder.get());
 
-    std::unique_ptr<AVPacket, PacketFreer> packet(av_packet_alloc());
+    ffmpeg::Packet packet(av_packet_alloc());
     FramePtr frame(av_frame_alloc());
     FramePtr shown(av_frame_alloc()); // the latest frame at or before the target
     if (!packet || !frame || !shown)

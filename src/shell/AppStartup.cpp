@@ -1,8 +1,8 @@
 #include "shell/AppStartup.h"
 
 #include "export/ExportScreens.h"
-#include "mirror/MirrorScreens.h"
 #include "frames/FramesScreens.h"
+#include "mirror/MirrorScreens.h"
 #include "overlay/OverlayScreens.h"
 #include "platform/AppWindow.h"
 #include "platform/Dispatch.h"

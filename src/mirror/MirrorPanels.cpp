@@ -22,21 +22,6 @@
 #include <array>
 #include <cmath>
 
-// A panel slides along its bottom edge by its constant. Panels that push down are shown at 0 and hidden
-// at 300 below; panels that lift are shown at their constant above the bottom and hidden at -400, below
-// the window. Colour and opacity stand above the caption tools, the rest over the tool strip.
-struct MirrorVController::PanelSlot {
-    Panel panel;
-    QWidget* view = nullptr;
-    double shown = 0;
-    double hidden = 0;
-    int height = 0;
-    bool pushesDown = false;
-    bool aboveTextTools = false;
-    double constant = 0;
-    QPointer<QObject> animation;
-};
-
 namespace {
 constexpr int headerHeight = 36;
 constexpr int textToolsHeight = headerHeight + 70;
@@ -91,7 +76,8 @@ void MirrorVController::buildPatternPanel() {
         mirrorPatternScrollViewCount = k;
     }
     mirrorPatternScrollView_->setWidget(strip);
-    panels_ << new PanelSlot{Panel::mirrorPattern, panel, 0, 300, headerHeight + 84, true, false, 300, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::mirrorPattern, panel, 0, 300, headerHeight + 84, true, false, 300, {}}));
 }
 
 void MirrorVController::buildHighMirrorPanel() {
@@ -109,7 +95,8 @@ void MirrorVController::buildHighMirrorPanel() {
         highMirrorCells_ << cell;
     }
     highMirrorCollectionVIew_->setWidget(strip);
-    panels_ << new PanelSlot{Panel::highMirror, panel, 0, -400, headerHeight + 84, false, false, -400, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::highMirror, panel, 0, -400, headerHeight + 84, false, false, -400, {}}));
 }
 
 void MirrorVController::buildFilterPanel() {
@@ -119,7 +106,8 @@ void MirrorVController::buildFilterPanel() {
         if (self)
             self->FilterButtonTapped(index);
     };
-    panels_ << new PanelSlot{Panel::filter, panel, 0, 300, headerHeight + 104, true, false, 300, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::filter, panel, 0, 300, headerHeight + 104, true, false, 300, {}}));
 }
 
 void MirrorVController::buildGalleryPanel() {
@@ -135,7 +123,8 @@ void MirrorVController::buildGalleryPanel() {
         connect(button, &QPushButton::clicked, this, [this, tag = tag] { imageChooseBtn(tag); });
         galleryButtons_ << button;
     }
-    panels_ << new PanelSlot{Panel::gallery, panel, 0, -400, headerHeight + 70, false, false, -400, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::gallery, panel, 0, -400, headerHeight + 70, false, false, -400, {}}));
 }
 
 void MirrorVController::buildTextPanels() {
@@ -153,7 +142,8 @@ void MirrorVController::buildTextPanels() {
         connect(cell, &QAbstractButton::clicked, this, [this, i] { didSelectTextTool(i); });
         textCells_ << cell;
     }
-    panels_ << new PanelSlot{Panel::textEditing, text, 0, -400, textToolsHeight, false, false, -400, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::textEditing, text, 0, -400, textToolsHeight, false, false, -400, {}}));
 
     QWidget* font = makePanel(QStringLiteral("Font"), [this] { fontCancelAction(); });
     auto* done = new QPushButton(QStringLiteral("Done"), font);
@@ -175,23 +165,26 @@ void MirrorVController::buildTextPanels() {
         fontCells_ << cell;
     }
     fontCollectionView_->setWidget(strip);
-    panels_ << new PanelSlot{Panel::font, font, 0, -400, headerHeight + 84, false, false, -400, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::font, font, 0, -400, headerHeight + 84, false, false, -400, {}}));
 
     QWidget* colour = makePanel(QStringLiteral("Colour"), {});
     buttonScrollView_ = new ColorSwatchStripView(colour);
     buttonScrollView_->onColorChosen = [this](Color color) { buttonTapped(color); };
-    panels_ << new PanelSlot{Panel::multiColor, colour, 70, -400, headerHeight + 80, false, true, -400, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::multiColor, colour, 70, -400, headerHeight + 80, false, true, -400, {}}));
 
     QWidget* opacity = makePanel(QStringLiteral("Opacity"), {});
     opacitySlider_ = new QSlider(Qt::Horizontal, opacity);
     opacitySlider_->setRange(0, 100);
     opacitySlider_->setValue(100);
     connect(opacitySlider_, &QSlider::valueChanged, this, [this](int value) { sliderACtion(value / 100.0); });
-    panels_ << new PanelSlot{Panel::opacity, opacity, 70, -400, headerHeight + 50, false, true, -400, {}};
+    panels_.push_back(std::make_unique<PanelSlot>(
+        PanelSlot{Panel::opacity, opacity, 70, -400, headerHeight + 50, false, true, -400, {}}));
 }
 
 MirrorVController::PanelSlot& MirrorVController::slot(Panel panel) {
-    for (PanelSlot* s : panels_)
+    for (const auto& s : panels_)
         if (s->panel == panel)
             return *s;
     fatalError("MirrorVController: a panel is missing");
@@ -215,7 +208,7 @@ QWidget* MirrorVController::panelView(Panel panel) const {
 
 void MirrorVController::layoutPanels() {
     const int w = width(), bottom = height();
-    for (PanelSlot* s : panels_) {
+    for (const auto& s : panels_) {
         const double y = s->pushesDown
                              ? bottom - s->height + s->constant
                              : bottom - s->height - s->constant - (s->aboveTextTools ? headerHeight : 0);
@@ -259,7 +252,7 @@ void MirrorVController::slidePanel(Panel panel, bool shown, double duration) {
 }
 
 void MirrorVController::showOnly(Panel panel) {
-    for (PanelSlot* s : panels_)
+    for (const auto& s : panels_)
         if (s->panel != panel && isPanelShown(s->panel))
             slidePanel(s->panel, false);
     slidePanel(panel, true);

@@ -49,7 +49,9 @@ MirrorVController::MirrorVController(QWidget* parent) : BaseViewController(paren
 }
 
 MirrorVController::~MirrorVController() {
-    qDeleteAll(panels_);
+    // A sliding panel's animation writes into its slot; it goes before the slots do.
+    for (const auto& s : panels_)
+        delete s->animation.data();
 }
 
 void MirrorVController::viewDidLoad() {

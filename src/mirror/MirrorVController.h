@@ -10,7 +10,9 @@
 #include <QList>
 #include <QPointer>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <vector>
 
 class CaptionLabelView;
 class ColorSwatchStripView;
@@ -149,7 +151,20 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    struct PanelSlot;
+    // A panel slides along its bottom edge by its constant. Panels that push down are shown at 0 and hidden
+    // at 300 below; panels that lift are shown at their constant above the bottom and hidden at -400,
+    // below the window. Colour and opacity stand above the caption tools, the rest over the tool strip.
+    struct PanelSlot {
+        Panel panel;
+        QWidget* view = nullptr;
+        double shown = 0;
+        double hidden = 0;
+        int height = 0;
+        bool pushesDown = false;
+        bool aboveTextTools = false;
+        double constant = 0;
+        QPointer<QObject> animation; // the running slide, which refers to this slot
+    };
     void buildTopBar();
     void buildToolStrip();
     void buildPatternPanel();
@@ -190,7 +205,7 @@ private:
     ColorSwatchStripView* buttonScrollView_ = nullptr;
     QSlider* opacitySlider_ = nullptr;
     QList<QPushButton*> galleryButtons_;
-    QList<PanelSlot*> panels_;
+    std::vector<std::unique_ptr<PanelSlot>> panels_;
     QPointer<StickerView> selectedStickerView_;
     LookCubeCache looks_;
     EditorSavingChain* savingChain_ = nullptr;

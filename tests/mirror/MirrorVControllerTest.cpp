@@ -10,13 +10,17 @@
 #include "overlay/OverlayScreens.h"
 #include "overlay/TextEditViewController.h"
 #include "platform/Alert.h"
+#include "platform/Animations.h"
 #include "platform/AppWindow.h"
 #include "platform/Screen.h"
 #include "platform/Storyboard.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
+#include <QPointer>
+#include <QScopeGuard>
 #include <QTest>
+#include <QVariantAnimation>
 #include <gtest/gtest.h>
 
 namespace {
@@ -66,6 +70,40 @@ TEST_F(MirrorEditorTest, StartsOnTheFirstPatternWithNoToolChosen) {
     editor->didSelectTool(0);
     EXPECT_FALSE(editor->isPanelShown(MirrorVController::Panel::filter));
     EXPECT_DOUBLE_EQ(editor->panelConstant(MirrorVController::Panel::filter), 300);
+}
+
+// With real timing, a tool chosen while panels are still sliding stops their slides: one animation per
+// moving panel, each panel comes to rest where it belongs, and no animation outlives its slide or the editor.
+TEST_F(MirrorEditorTest, PanelsSwitchedMidSlideComeToRestWithoutLeftoverAnimations) {
+    Animations::setInstant(false);
+    const auto instantAgain = qScopeGuard([] { Animations::setInstant(true); });
+    using Panel = MirrorVController::Panel;
+    const auto animations = [&](bool runningOnly) {
+        int count = 0;
+        for (auto* a : editor->findChildren<QVariantAnimation*>(Qt::FindDirectChildrenOnly))
+            count += !runningOnly || a->state() == QAbstractAnimation::Running;
+        return count;
+    };
+    editor->didSelectTool(2);
+    EXPECT_EQ(animations(true), 1);
+    editor->didSelectTool(0); // the look panel turns back halfway, the pattern panel comes up
+    EXPECT_EQ(animations(true), 2);
+    editor->didSelectTool(2);
+    EXPECT_EQ(animations(true), 2);
+    EXPECT_TRUE(testsupport::waitUntil([&] {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return animations(false) == 0;
+    }));
+    const int bottom = editor->height();
+    EXPECT_EQ(editor->panelView(Panel::filter)->geometry().bottom() + 1, bottom);
+    EXPECT_EQ(editor->panelView(Panel::mirrorPattern)->geometry().bottom() + 1, bottom + 300);
+
+    editor->didSelectTool(5);
+    const QPointer<QVariantAnimation> sliding = editor->findChild<QVariantAnimation*>();
+    ASSERT_TRUE(sliding);
+    delete editor;
+    editor = nullptr;
+    EXPECT_FALSE(sliding);
 }
 
 // Caps twice gives the lower case form; Align steps centre, left, right and back; every tool acts on

@@ -35,6 +35,17 @@ QFont ToolButtonCell::titleFont() const {
     return titleFont;
 }
 
+// A title a little wider than the cell ("Background" in a wide font) is set smaller rather than cut;
+// only one that would need to shrink past the smallest size is elided.
+QFont ToolButtonCell::fittedTitleFont() const {
+    QFont font = titleFont();
+    const double room = titleRect().width();
+    while (font.pixelSize() > minimumTitleFontSize &&
+           QFontMetricsF(font).horizontalAdvance(tool_.title) > room)
+        font.setPixelSize(font.pixelSize() - 1);
+    return font;
+}
+
 // The icon and title stack is centred in the cell.
 QRectF ToolButtonCell::iconRect() const {
     const double titleHeight = QFontMetricsF(titleFont()).height();
@@ -54,8 +65,8 @@ void ToolButtonCell::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor tint = tintColor();
     drawSymbol(painter, tool_.symbolName, iconRect(), tint, SymbolFallback::outline);
-    const QFont font = titleFont();
     const QRectF textRect = titleRect();
+    const QFont font = fittedTitleFont();
     painter.setFont(font);
     painter.setPen(tint);
     painter.drawText(textRect, Qt::AlignCenter,

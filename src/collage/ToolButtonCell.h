@@ -18,6 +18,7 @@ public:
     static constexpr double spacing = 6.0;
     static constexpr double sideInset = 4.0;
     static constexpr int titleFontSize = 12;
+    static constexpr int minimumTitleFontSize = 10;
 
     void configure(const ToolDisplayable& tool, bool isSelected);
     void configure(CollageTool tool, bool isSelected);
@@ -29,6 +30,8 @@ public:
     QRectF iconRect() const;
     QRectF titleRect() const;
     QFont titleFont() const;
+    // The title font, a size or two smaller where the title would not fit the cell.
+    QFont fittedTitleFont() const;
 
     QSize sizeHint() const override { return cellSize; }
 

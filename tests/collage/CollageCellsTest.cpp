@@ -168,6 +168,15 @@ TEST(ToolButtonCellTest, GeometryAndTint) {
     EXPECT_LE(title.right(), 68.0);
     EXPECT_NEAR(icon.top(), 64 - title.bottom(), 0.5); // the stack is centred
     EXPECT_EQ(cell.titleFont().pixelSize(), 12);
+    EXPECT_EQ(cell.fittedTitleFont().pixelSize(), 12);
+
+    // A title wider than the cell at 12 is set smaller until it fits, not cut; past 10 it is elided.
+    cell.configure(ToolDisplayable{"Background", "photo.on.rectangle.angled"}, false);
+    const QFont fitted = cell.fittedTitleFont();
+    EXPECT_LE(QFontMetricsF(fitted).horizontalAdvance("Background"), title.width());
+    EXPECT_GE(fitted.pixelSize(), 10);
+    cell.configure(ToolDisplayable{"Backgrounds and more", "photo"}, false);
+    EXPECT_EQ(cell.fittedTitleFont().pixelSize(), 10);
 }
 
 // With a symbol picture installed, the icon is drawn in the tool's tint, not in its own colour.

@@ -24,31 +24,6 @@ void CollageEditorViewModel::selectTool(int index) {
         return;
     const CollageTool tool = tools_[index];
     selectedTool_ = tool;
-    if (onTitleChanged)
-        onTitleChanged(title(tool));
-    if (onToolSelectionChanged)
-        onToolSelectionChanged(index);
-    switch (tool) {
-    case CollageTool::feather:
-        togglePanel(OptionsPanel::feather);
-        break;
-    case CollageTool::ratio:
-        togglePanel(OptionsPanel::ratio);
-        break;
-    case CollageTool::layout:
-        togglePanel(OptionsPanel::layout);
-        break;
-    case CollageTool::transform:
-        togglePanel(OptionsPanel::transform);
-        break;
-    case CollageTool::reset:
-        setActivePanel(std::nullopt);
-        if (onResetConfirmationRequested)
-            onResetConfirmationRequested();
-        break;
-    case CollageTool::delete_:
-        setActivePanel(std::nullopt);
-        requestDelete();
-        break;
-    }
+    announceTool(index, title(tool));
+    runCollageTool(tool);
 }

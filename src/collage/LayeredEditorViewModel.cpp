@@ -50,6 +50,39 @@ std::optional<CollageAspectRatioOption> LayeredEditorViewModel::selectedAspectRa
     return elementAt(aspectRatioOptions_, selectedAspectRatioIndex_);
 }
 
+void LayeredEditorViewModel::announceTool(int index, const QString& title) {
+    if (onTitleChanged)
+        onTitleChanged(title);
+    if (onToolSelectionChanged)
+        onToolSelectionChanged(index);
+}
+
+void LayeredEditorViewModel::runCollageTool(CollageTool tool) {
+    switch (tool) {
+    case CollageTool::feather:
+        togglePanel(OptionsPanel::feather);
+        break;
+    case CollageTool::ratio:
+        togglePanel(OptionsPanel::ratio);
+        break;
+    case CollageTool::layout:
+        togglePanel(OptionsPanel::layout);
+        break;
+    case CollageTool::transform:
+        togglePanel(OptionsPanel::transform);
+        break;
+    case CollageTool::reset:
+        setActivePanel(std::nullopt);
+        if (onResetConfirmationRequested)
+            onResetConfirmationRequested();
+        break;
+    case CollageTool::delete_:
+        setActivePanel(std::nullopt);
+        requestDelete();
+        break;
+    }
+}
+
 void LayeredEditorViewModel::togglePanel(OptionsPanel panel) {
     setActivePanel(activePanel_ == panel ? std::nullopt : std::optional(panel));
 }

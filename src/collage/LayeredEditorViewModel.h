@@ -14,10 +14,10 @@
 
 // What the layered editors (the collage and the Pic Mixer) hold that does not depend on the screen:
 // the photos in pane order, the layouts that fit them, the chosen layout and ratio, and the active
-// panel. It decides what a transform action means; each editor adds its own tool bar and what a tap on
-// a tool means. It never sees a view; every change is published through the on... callbacks, each with
-// one listener, and an empty callback is skipped. Callbacks fire synchronously inside the call that
-// caused them. Bad indices are ignored. Main thread only.
+// panel. It decides what a transform action and a tap on one of the collage's tools mean; each editor
+// adds its own tool bar and any tool of its own. It never sees a view; every change is published through the
+// on... callbacks, each with one listener, and an empty callback is skipped. Callbacks fire synchronously
+// inside the call that caused them. Bad indices are ignored. Main thread only.
 class LayeredEditorViewModel {
 public:
     static constexpr int maximumImageCount = 8;
@@ -84,6 +84,11 @@ public:
     void confirmReset();
 
 protected:
+    // Tells the listeners that the tool at `index`, called `title`, was tapped.
+    void announceTool(int index, const QString& title);
+    // What a tap on one of the collage's tools does in either editor: a panel tool opens its panel and a
+    // second tap closes it; reset and delete close any open panel and ask.
+    void runCollageTool(CollageTool tool);
     // A second tap on the same tool closes its panel.
     void togglePanel(OptionsPanel panel);
     void setActivePanel(std::optional<OptionsPanel> panel);

@@ -2,6 +2,8 @@
 
 #include "collage/CollageTools.h"
 
+#include <optional>
+
 // The Pic Mixer's bottom bar, in bar order: the collage's tools and the custom background.
 enum class PicMixerTool : int {
     feather,
@@ -15,6 +17,8 @@ enum class PicMixerTool : int {
 
 template <> std::span<const PicMixerTool> allCases<PicMixerTool>();
 
+// The collage's tool a mixer tool is; none for the custom background, the mixer's own.
+std::optional<CollageTool> collageTool(PicMixerTool tool);
 QString title(PicMixerTool tool);
 QString symbolName(PicMixerTool tool);
 ToolDisplayable toolDisplayable(PicMixerTool tool);

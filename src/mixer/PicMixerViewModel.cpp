@@ -11,44 +11,34 @@ template <> std::span<const PicMixerTool> allCases<PicMixerTool>() {
     return cases;
 }
 
-QString title(PicMixerTool tool) {
+std::optional<CollageTool> collageTool(PicMixerTool tool) {
     switch (tool) {
-    case PicMixerTool::customBG:
-        return QStringLiteral("Background");
     case PicMixerTool::feather:
-        return title(CollageTool::feather);
+        return CollageTool::feather;
     case PicMixerTool::ratio:
-        return title(CollageTool::ratio);
+        return CollageTool::ratio;
     case PicMixerTool::layout:
-        return title(CollageTool::layout);
+        return CollageTool::layout;
     case PicMixerTool::transform:
-        return title(CollageTool::transform);
+        return CollageTool::transform;
     case PicMixerTool::reset:
-        return title(CollageTool::reset);
+        return CollageTool::reset;
     case PicMixerTool::delete_:
-        return title(CollageTool::delete_);
+        return CollageTool::delete_;
+    case PicMixerTool::customBG:
+        break;
     }
-    return {};
+    return std::nullopt;
+}
+
+QString title(PicMixerTool tool) {
+    const std::optional<CollageTool> shared = collageTool(tool);
+    return shared ? title(*shared) : QStringLiteral("Background");
 }
 
 QString symbolName(PicMixerTool tool) {
-    switch (tool) {
-    case PicMixerTool::customBG:
-        return QStringLiteral("photo.on.rectangle.angled");
-    case PicMixerTool::feather:
-        return symbolName(CollageTool::feather);
-    case PicMixerTool::ratio:
-        return symbolName(CollageTool::ratio);
-    case PicMixerTool::layout:
-        return symbolName(CollageTool::layout);
-    case PicMixerTool::transform:
-        return symbolName(CollageTool::transform);
-    case PicMixerTool::reset:
-        return symbolName(CollageTool::reset);
-    case PicMixerTool::delete_:
-        return symbolName(CollageTool::delete_);
-    }
-    return {};
+    const std::optional<CollageTool> shared = collageTool(tool);
+    return shared ? symbolName(*shared) : QStringLiteral("photo.on.rectangle.angled");
 }
 
 ToolDisplayable toolDisplayable(PicMixerTool tool) {
@@ -78,36 +68,12 @@ void PicMixerViewModel::selectTool(int index) {
         fatalError("Index out of range");
     const PicMixerTool tool = tools_[std::size_t(index)];
     selectedTool_ = tool;
-    if (onTitleChanged)
-        onTitleChanged(title(tool));
-    if (onToolSelectionChanged)
-        onToolSelectionChanged(index);
-    switch (tool) {
-    case PicMixerTool::feather:
-        togglePanel(OptionsPanel::feather);
-        break;
-    case PicMixerTool::ratio:
-        togglePanel(OptionsPanel::ratio);
-        break;
-    case PicMixerTool::layout:
-        togglePanel(OptionsPanel::layout);
-        break;
-    case PicMixerTool::customBG:
-        setActivePanel(std::nullopt);
-        if (onCustomBGRequested)
-            onCustomBGRequested();
-        break;
-    case PicMixerTool::transform:
-        togglePanel(OptionsPanel::transform);
-        break;
-    case PicMixerTool::reset:
-        setActivePanel(std::nullopt);
-        if (onResetConfirmationRequested)
-            onResetConfirmationRequested();
-        break;
-    case PicMixerTool::delete_:
-        setActivePanel(std::nullopt);
-        requestDelete();
-        break;
+    announceTool(index, title(tool));
+    if (const std::optional<CollageTool> shared = collageTool(tool)) {
+        runCollageTool(*shared);
+        return;
     }
+    setActivePanel(std::nullopt);
+    if (onCustomBGRequested)
+        onCustomBGRequested();
 }

@@ -8,6 +8,7 @@
 #include <QPointingDevice>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -113,7 +114,8 @@ TEST(CollageCanvasTiming, QuickQuarterTurnsEndWhereSlowOnesDo) {
 TEST(CollageCanvasGestures, TwoFingersPanByTheirCentreAndZoomByTheirSpread) {
     Canvas canvas;
     QWidget* surface = canvas.view.viewport();
-    QPointingDevice* touch = QTest::createTouchDevice();
+    const std::unique_ptr<QPointingDevice> touchScreen(QTest::createTouchDevice());
+    QPointingDevice* touch = touchScreen.get();
     CollagePaneView* pane = canvas.pane(0);
     // Each gesture is recognised at its first step; from then on the pane follows the fingers' centre.
     auto gesture = [&](QPoint a0, QPoint a1, QPoint step0, QPoint step1) {

@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -233,7 +234,8 @@ TEST_F(StickerViewTest, AltWheelTurnsFifteenDegreesANotch) {
 }
 
 TEST_F(StickerViewTest, TwoFingersTurnAndScaleAboutTheCentre) {
-    QPointingDevice* screen = QTest::createTouchDevice();
+    const std::unique_ptr<QPointingDevice> touchScreen(QTest::createTouchDevice());
+    QPointingDevice* screen = touchScreen.get();
     const QPointF c = sticker->center();
     QTest::touchEvent(view->viewport(), screen)
         .press(0, at(c + QPointF(-20, 0)))

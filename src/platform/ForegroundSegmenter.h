@@ -20,9 +20,10 @@ public:
     virtual QString name() const = 0;
 };
 
-// The classical segmenter: subjects are found as people, else faces (each widened to the body below
-// it), else the area that stands out from the picture's border; GrabCut then segments them on a small
-// working copy, and the edge is refined at full size with the picture's own colours.
+// The classical segmenter: subjects are found as people and faces together (each face standing for the
+// body below it), or else as the area that stands out from the picture's border (see SubjectPriors);
+// GrabCut then segments them on a small working copy, and the edge is refined at full size with the
+// picture's own colours, only along the edge.
 class GrabCutSegmenter : public ForegroundSegmenter {
 public:
     // The working copy's longer side; GrabCut's cost grows fast with the pixel count.

@@ -12,6 +12,8 @@
 #include <QWidget>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -62,12 +64,12 @@ TEST(BackgroundRemoval, CutsTheTracedSubjectsOutOfRealPhotos) {
         const ImagePtr cut = remover.removeBackground(*sample.picture);
         ASSERT_TRUE(cut) << qPrintable(sample.name);
         const double iou = intersectionOverUnion(alphaOf(*cut), sample.truth);
-        EXPECT_GT(iou, 0.15) << qPrintable(sample.name);
+        EXPECT_GT(iou, 0.2) << qPrintable(sample.name);
         total += iou;
     }
-    // Measured 0.71 on the footballer and 0.19 on the two men (the one cut by the right edge, seen
-    // from the side, is found neither as a person nor as a face).
-    EXPECT_GE(total / samples.size(), 0.42);
+    // Measured 0.73 on the footballer and 0.24 on the two men (0.49 on average): the one cut by the
+    // right edge, seen from behind his shoulder, is found by none of the detectors.
+    EXPECT_GE(total / samples.size(), 0.46);
 }
 
 TEST(BackgroundRemoval, FindsPastedSubjectsOverOtherPhotos) {
@@ -80,9 +82,10 @@ TEST(BackgroundRemoval, FindsPastedSubjectsOverOtherPhotos) {
         const double iou = cut ? intersectionOverUnion(alphaOf(*cut), sample.truth) : 0.0;
         total += iou;
     }
-    // Measured 0.35 over 22 composites: the footballer's about 0.6, pulled down where a large colourful
-    // object behind him touches his outline; the two men's about 0.1 (see above).
-    EXPECT_GE(total / samples.size(), 0.30);
+    // Measured 0.48 over 22 composites: the footballer's 0.57 to 0.87 (an outstretched arm or leg lost
+    // over a busy background, a large colourful object touching him taken in), the two men's 0.1 to
+    // 0.34 (the man on the left alone, see above).
+    EXPECT_GE(total / samples.size(), 0.45);
 }
 
 TEST(BackgroundRemoval, PicturesWithoutASubjectOrTooSmallGiveNothing) {
@@ -101,6 +104,37 @@ TEST(BackgroundRemoval, PicturesWithoutASubjectOrTooSmallGiveNothing) {
     ASSERT_TRUE(cut);
     EXPECT_EQ(alphaAt(*cut, 150, 100), 255);
     EXPECT_EQ(alphaAt(*cut, 20, 20), 0);
+}
+
+TEST(BackgroundRemoval, TheEdgeOfALargePictureFollowsItsOwnPixels) {
+    // Segmented on a copy five times smaller, the edge is put back where the picture's colours change,
+    // not on the copy's coarse steps: the box's sides lie between the copy's pixels.
+    QImage photo = filled({1600, 1000}, QColor(40, 120, 40));
+    const QRect box(611, 287, 403, 447);
+    QPainter(&photo).fillRect(box, QColor(230, 200, 20));
+    const ImagePtr cut =
+        BackgroundRemover(std::make_shared<GrabCutSegmenter>()).removeBackground(*Image::make(photo));
+    ASSERT_TRUE(cut);
+    // Across each side, from two pixels outside to three inside: clear, the soft edge (its half-way
+    // point a pixel inside, where the erosion puts it), opaque.
+    const auto across = [&](QPoint edge, QPoint inward) {
+        std::vector<int> alphas;
+        for (int d = -2; d <= 3; ++d)
+            alphas.push_back(alphaAt(*cut, edge.x() + d * inward.x(), edge.y() + d * inward.y()));
+        return alphas;
+    };
+    for (const int t : {20, 200, 380}) {
+        for (const auto& [edge, inward] : {std::pair{QPoint(box.left(), box.top() + t), QPoint(1, 0)},
+                                           std::pair{QPoint(box.right(), box.top() + t), QPoint(-1, 0)},
+                                           std::pair{QPoint(box.left() + t, box.top()), QPoint(0, 1)},
+                                           std::pair{QPoint(box.left() + t, box.bottom()), QPoint(0, -1)}}) {
+            const std::vector<int> a = across(edge, inward);
+            EXPECT_EQ(a[0], 0) << edge.x() << "," << edge.y();
+            EXPECT_LT(a[2], 128) << edge.x() << "," << edge.y();
+            EXPECT_GT(a[3], 128) << edge.x() << "," << edge.y();
+            EXPECT_EQ(a[5], 255) << edge.x() << "," << edge.y();
+        }
+    }
 }
 
 class BackgroundBatch : public ::testing::Test {

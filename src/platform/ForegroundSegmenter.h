@@ -28,7 +28,10 @@ class GrabCutSegmenter : public ForegroundSegmenter {
 public:
     // The working copy's longer side; GrabCut's cost grows fast with the pixel count.
     static constexpr int workingSide = 320;
-    static constexpr int iterations = 3;
+    // Started from labels drawn around the subjects rather than from a rectangle, GrabCut is close to its
+    // answer early: a third iteration moved the cut-outs of our test photos by less than their spread
+    // from one random start to another, at half again the cost of two.
+    static constexpr int iterations = 2;
 
     std::optional<QImage> foregroundMask(const QImage& upright) const override;
     QString name() const override { return QStringLiteral("GrabCut"); }

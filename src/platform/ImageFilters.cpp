@@ -136,10 +136,12 @@ QImage hueAdjust(const QImage& image, double radians) {
     QImage result(input.size(), input.format());
     if (input.isNull() || result.isNull())
         return {};
-    // RGB to YIQ, a turn of the I-Q plane, and back, as one matrix.
+    // RGB to YIQ, a turn of the I-Q plane, and back, as one matrix. Red, yellow and green lie clockwise
+    // in that plane, so a positive angle turns it clockwise: red goes towards yellow, the same way round
+    // the wheel as a rising hue in HSB.
     const cv::Matx33d toYiq(0.299, 0.587, 0.114, 0.596, -0.274, -0.322, 0.211, -0.523, 0.312);
     const double c = std::cos(radians), s = std::sin(radians);
-    const cv::Matx33d turn(1, 0, 0, 0, c, -s, 0, s, c);
+    const cv::Matx33d turn(1, 0, 0, 0, c, s, 0, -s, c);
     const cv::Matx33d rgb = toYiq.inv() * turn * toYiq;
     // The pixels are B, G, R, A in memory; alpha passes through (premultiplied colour stays within it
     // up to rounding, and is clamped there).

@@ -276,6 +276,20 @@ TEST(CustomBackgrounds, HueTurnsKeepOrientationAndWrapAround) {
     EXPECT_EQ(turned->scale(), 2.0);
     EXPECT_NE(turned->bitmap().pixel(0, 0), stored.pixel(0, 0));
     EXPECT_EQ(CustomBackgrounds::hueAdjusted(sideways, 0.0), sideways);
+    // A picture turns the same way round the colour wheel as a plain colour does: a sixth of a turn
+    // takes red towards yellow on both, not towards magenta.
+    const double redHue = QColor(stored.pixel(0, 0)).hsvHueF();
+    for (const double turn : {M_PI / 3, -M_PI / 3}) {
+        const double pictureHue =
+            QColor(CustomBackgrounds::hueAdjusted(sideways, turn)->bitmap().pixel(0, 0)).hsvHueF();
+        const double colourHue =
+            CustomBackgrounds::rotatedHue(Color::rgb(200 / 255.0, 30 / 255.0, 30 / 255.0), turn).hsb().hue;
+        const auto distance = [](double a, double b) {
+            return std::min(std::abs(a - b), 1 - std::abs(a - b));
+        };
+        EXPECT_LT(distance(pictureHue, colourHue), 0.1) << turn;
+        EXPECT_GT(distance(pictureHue, redHue), 0.08) << turn;
+    }
     const Color colour = Color::rgb(0.9, 0.5, 0.1);
     const Color back = CustomBackgrounds::rotatedHue(CustomBackgrounds::rotatedHue(colour, 2.0), -2.0);
     EXPECT_NEAR(back.red, colour.red, 1e-9);

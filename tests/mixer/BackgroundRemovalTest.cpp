@@ -107,10 +107,11 @@ TEST(BackgroundRemoval, PicturesWithoutASubjectOrTooSmallGiveNothing) {
 }
 
 TEST(BackgroundRemoval, TheEdgeOfALargePictureFollowsItsOwnPixels) {
-    // Segmented on a copy five times smaller, the edge is put back where the picture's colours change,
-    // not on the copy's coarse steps: the box's sides lie between the copy's pixels.
-    QImage photo = filled({1600, 1000}, QColor(40, 120, 40));
-    const QRect box(611, 287, 403, 447);
+    // Segmented on a copy ten times smaller, the edge is put back where the picture's colours change,
+    // not on the copy's coarse steps nor smeared across them: the box's sides lie between the copy's
+    // pixels.
+    QImage photo = filled({3200, 2000}, QColor(40, 120, 40));
+    const QRect box(1223, 577, 805, 893);
     QPainter(&photo).fillRect(box, QColor(230, 200, 20));
     const ImagePtr cut =
         BackgroundRemover(std::make_shared<GrabCutSegmenter>()).removeBackground(*Image::make(photo));
@@ -123,7 +124,7 @@ TEST(BackgroundRemoval, TheEdgeOfALargePictureFollowsItsOwnPixels) {
             alphas.push_back(alphaAt(*cut, edge.x() + d * inward.x(), edge.y() + d * inward.y()));
         return alphas;
     };
-    for (const int t : {20, 200, 380}) {
+    for (const int t : {40, 400, 760}) {
         for (const auto& [edge, inward] : {std::pair{QPoint(box.left(), box.top() + t), QPoint(1, 0)},
                                            std::pair{QPoint(box.right(), box.top() + t), QPoint(-1, 0)},
                                            std::pair{QPoint(box.left() + t, box.top()), QPoint(0, 1)},

@@ -235,8 +235,8 @@ TEST(DeviceColorConversion, CmykHasInkWhereThePictureIsDarkAndNoneOnWhite) {
     ASSERT_TRUE(formula);
     EXPECT_TRUE(formula->profile.isEmpty());
     const auto* ink = reinterpret_cast<const uchar*>(formula->raster.samples.constData());
-    const uchar expected[] = {0, 0, 0, 0, 0, 0, 0, 255, 0, 255, 255, 0};
-    for (int i = 0; i < 12; ++i)
+    const uchar expected[] = {0, 0, 0, 0, 0, 0, 0, 255, 0, 255, 255, 0, 204, 102, 0, 55};
+    for (int i = 0; i < 16; ++i)
         EXPECT_EQ(ink[i], expected[i]) << i;
     EXPECT_EQ(formula->shown.pixel(3, 0), swatch.pixel(3, 0));
 

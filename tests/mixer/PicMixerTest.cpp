@@ -294,8 +294,11 @@ TEST(CustomBackgrounds, HueTurnsKeepOrientationAndWrapAround) {
     const Color back = CustomBackgrounds::rotatedHue(CustomBackgrounds::rotatedHue(colour, 2.0), -2.0);
     EXPECT_NEAR(back.red, colour.red, 1e-9);
     EXPECT_NEAR(back.green, colour.green, 1e-9);
-    EXPECT_NEAR(CustomBackgrounds::rotatedHue(colour, -0.5).hsb().hue,
-                std::fmod(colour.hsb().hue - 0.5 / (2 * M_PI) + 1.0, 1.0), 1e-9);
+    // An orange turned back by more than its own hue wraps round to the red-magenta end of the wheel.
+    for (const double turn : {-0.5, -1.0, -7.0})
+        EXPECT_NEAR(CustomBackgrounds::rotatedHue(colour, turn).hsb().hue,
+                    std::fmod(colour.hsb().hue + turn / (2 * M_PI) + 2.0, 1.0), 1e-9)
+            << turn;
 }
 
 } // namespace

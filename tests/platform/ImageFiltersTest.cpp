@@ -64,3 +64,21 @@ TEST(ImageFiltersTest, AreaScalingAveragesCoveredPixels) {
     EXPECT_TRUE(ImageFilters::areaScaled(image, QRect(10, 10, 5, 5), QSize(2, 2)).isNull());
     EXPECT_TRUE(ImageFilters::areaScaled(image, image.rect(), QSize(0, 2)).isNull());
 }
+
+// Turning the hue of a see-through picture keeps every colour channel within its alpha, as a
+// premultiplied picture must be; the turn alone would push a saturated channel past it.
+TEST(ImageFiltersTest, HueTurnsKeepPremultipliedColourWithinAlpha) {
+    QImage picture(3, 1, QImage::Format_ARGB32_Premultiplied);
+    picture.setPixel(0, 0, qRgba(120, 8, 8, 128));
+    picture.setPixel(1, 0, qRgba(10, 90, 100, 100));
+    picture.setPixel(2, 0, qRgba(255, 0, 0, 255));
+    for (const double turn : {2.0, -2.0}) {
+        const QImage turned = ImageFilters::hueAdjust(picture, turn);
+        ASSERT_EQ(turned.format(), QImage::Format_ARGB32_Premultiplied);
+        for (int x = 0; x < 3; ++x) {
+            const QRgb p = turned.pixel(x, 0);
+            EXPECT_EQ(qAlpha(p), qAlpha(picture.pixel(x, 0))) << x;
+            EXPECT_LE(std::max({qRed(p), qGreen(p), qBlue(p)}), qAlpha(p)) << x << " turn " << turn;
+        }
+    }
+}

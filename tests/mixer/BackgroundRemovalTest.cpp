@@ -116,8 +116,8 @@ TEST(BackgroundRemoval, TheEdgeOfALargePictureFollowsItsOwnPixels) {
     const ImagePtr cut =
         BackgroundRemover(std::make_shared<GrabCutSegmenter>()).removeBackground(*Image::make(photo));
     ASSERT_TRUE(cut);
-    // Across each side, from two pixels outside to three inside: clear, the soft edge (its half-way
-    // point a pixel inside, where the erosion puts it), opaque.
+    // Across each side, from two pixels outside to three inside: clear (or all but), the soft edge (its
+    // half-way point a pixel inside, where the erosion puts it), opaque.
     const auto across = [&](QPoint edge, QPoint inward) {
         std::vector<int> alphas;
         for (int d = -2; d <= 3; ++d)
@@ -130,10 +130,10 @@ TEST(BackgroundRemoval, TheEdgeOfALargePictureFollowsItsOwnPixels) {
                                            std::pair{QPoint(box.left() + t, box.top()), QPoint(0, 1)},
                                            std::pair{QPoint(box.left() + t, box.bottom()), QPoint(0, -1)}}) {
             const std::vector<int> a = across(edge, inward);
-            EXPECT_EQ(a[0], 0) << edge.x() << "," << edge.y();
+            EXPECT_LE(a[0], 8) << edge.x() << "," << edge.y();
             EXPECT_LT(a[2], 128) << edge.x() << "," << edge.y();
             EXPECT_GT(a[3], 128) << edge.x() << "," << edge.y();
-            EXPECT_EQ(a[5], 255) << edge.x() << "," << edge.y();
+            EXPECT_GE(a[5], 247) << edge.x() << "," << edge.y();
         }
     }
 }

@@ -97,13 +97,18 @@ TEST(BackgroundRemoval, PicturesWithoutASubjectOrTooSmallGiveNothing) {
     EXPECT_FALSE(remover.removeBackground(*Image::make(filled({300, 200}, Qt::gray))));
     EXPECT_FALSE(remover.removeBackground(*Image::make(gradient)));
     EXPECT_FALSE(remover.removeBackground(*Image::make(filled({4, 4}, Qt::red))));
-    // A subject that stands out from its border is found even with no person in it.
+    // A subject that stands out from its border is found even with no person in it; a speck of its
+    // colour near it but apart from it is no part of it.
     QImage object = filled({300, 200}, QColor(40, 120, 40));
-    QPainter(&object).fillRect(QRect(110, 60, 80, 90), QColor(230, 200, 20));
+    QPainter painter(&object);
+    painter.fillRect(QRect(110, 60, 80, 90), QColor(230, 200, 20));
+    painter.fillRect(QRect(205, 100, 14, 14), QColor(230, 200, 20));
+    painter.end();
     const ImagePtr cut = remover.removeBackground(*Image::make(object));
     ASSERT_TRUE(cut);
     EXPECT_EQ(alphaAt(*cut, 150, 100), 255);
     EXPECT_EQ(alphaAt(*cut, 20, 20), 0);
+    EXPECT_EQ(alphaAt(*cut, 212, 107), 0);
 }
 
 TEST(BackgroundRemoval, TheEdgeOfALargePictureFollowsItsOwnPixels) {

@@ -1,6 +1,7 @@
 #include "platform/Image.h"
 #include "platform/ItemProvider.h"
 #include "platform/PhotoMemoryBudget.h"
+#include "platform/PngReducedDecoder.h"
 
 #include "platform/MarkedCorners.h"
 #include "support/TestSupport.h"
@@ -271,4 +272,37 @@ TEST(PhotoDecode, FullResolutionGoesBackToTheFile) {
     ASSERT_TRUE(testsupport::waitUntil([&] { return whole.has_value(); }));
     ASSERT_TRUE(*whole);
     EXPECT_EQ((*whole)->pixelSize(), QSize(4000, 3000));
+}
+
+// A see-through PNG read reduced averages each block weighted by coverage: a clear pixel's colour does
+// not show, and the result is the block's premultiplied mean.
+TEST(PhotoDecode, ReducedPngAveragesColourByCoverage) {
+    QImage straight(4, 2, QImage::Format_ARGB32);
+    const QRgb pixels[] = {qRgba(250, 200, 10, 255), qRgba(0, 255, 255, 0),    qRgba(40, 100, 240, 128),
+                           qRgba(90, 30, 60, 200),   qRgba(255, 0, 0, 64),     qRgba(10, 250, 90, 255),
+                           qRgba(0, 0, 255, 0),      qRgba(120, 140, 160, 180)};
+    for (int i = 0; i < 8; ++i)
+        straight.setPixel(i % 4, i / 4, pixels[i]);
+    QByteArray png;
+    QBuffer buffer(&png);
+    ASSERT_TRUE(buffer.open(QIODevice::WriteOnly) && straight.save(&buffer, "png"));
+    const ImagePtr whole = Image::fromData(png); // the reference
+    ASSERT_TRUE(whole);
+    const QImage premultiplied = whole->bitmap().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    const QImage half = PngReducedDecoder::decode(png, 2);
+    ASSERT_EQ(half.size(), QSize(2, 1));
+    ASSERT_EQ(half.format(), QImage::Format_ARGB32_Premultiplied);
+    for (int block = 0; block < 2; ++block) {
+        int sum[4] = {};
+        for (int y = 0; y < 2; ++y)
+            for (int x = 2 * block; x < 2 * block + 2; ++x) {
+                const QRgb p = premultiplied.pixel(x, y);
+                sum[0] += qRed(p), sum[1] += qGreen(p), sum[2] += qBlue(p), sum[3] += qAlpha(p);
+            }
+        const QRgb got = half.pixel(block, 0);
+        EXPECT_NEAR(qRed(got), sum[0] / 4.0, 2) << block;
+        EXPECT_NEAR(qGreen(got), sum[1] / 4.0, 2) << block;
+        EXPECT_NEAR(qBlue(got), sum[2] / 4.0, 2) << block;
+        EXPECT_NEAR(qAlpha(got), sum[3] / 4.0, 1) << block;
+    }
 }

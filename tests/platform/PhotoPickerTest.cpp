@@ -249,6 +249,27 @@ TEST_F(PickerTest, WithRoomForOneATapIsTheChoice) {
 }
 
 // Drawings are not offered as photos; pictures of every other kind are.
+// Newest first, as a photo library shows them; photos of the same moment by name.
+TEST_F(PickerTest, ShowsTheNewestPhotosFirst) {
+    const QDateTime now = QDateTime::currentDateTime();
+    const struct {
+        const char* name;
+        int ageSeconds;
+    } photos[] = {{"old.png", 3000}, {"b-new.png", 10}, {"middle.png", 600}, {"a-new.png", 10}};
+    for (const auto& photo : photos) {
+        QFile file(writePicture(album, QString::fromLatin1(photo.name), QSize(8, 8)));
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(now.addSecs(-photo.ageSeconds), QFileDevice::FileModificationTime));
+    }
+    PhotoPicker* picker = presentSheet(3);
+    ASSERT_NE(picker, nullptr);
+    QStringList order;
+    for (const QString& path : picker->shownFiles())
+        if (QFileInfo(path).absolutePath() == QFileInfo(album.path()).absoluteFilePath())
+            order << QFileInfo(path).fileName();
+    EXPECT_EQ(order, QStringList({"a-new.png", "b-new.png", "middle.png", "old.png"}));
+}
+
 TEST_F(PickerTest, OffersPhotosButNotDrawings) {
     const QString photo = writePicture(album, QStringLiteral("photo.png"), QSize(20, 20));
     QFile drawing(album.filePath(QStringLiteral("logo.svg")));

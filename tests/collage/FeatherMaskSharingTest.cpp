@@ -35,10 +35,19 @@ TEST(FeatherMaskSharing, AResizedViewDropsTheSharedMask) {
     const FeatherMaskLoader::Request resized{QSizeF(98.5, 143.25), 11.0, 5.0};
     QObject owner;
     FeatherMaskLoader kept, moved;
+    // Every worker is held until both views have asked, so neither finds the mask already made.
+    const collagetest::WorkerHold hold;
+    for (int i = 0; i < Dispatch::workerCount(); ++i)
+        Dispatch::global(QualityOfService::userInitiated).async(hold.gate());
+    for (int i = 0; i < Dispatch::workerCount(); ++i)
+        ASSERT_TRUE(hold.waitUntilHeld());
     kept.update(
         &owner, request, [&] { return request; }, nullptr);
     moved.update(
         &owner, request, [&] { return resized; }, nullptr);
+    EXPECT_FALSE(moved.mask());
+    for (int i = 0; i < Dispatch::workerCount(); ++i)
+        hold.release();
     ASSERT_TRUE(collagetest::drainWorkers());
     ASSERT_TRUE(kept.mask());
     EXPECT_EQ(kept.mask()->bitmap().width(), FeatherMaskLoader::maskNow(request)->bitmap().width());

@@ -20,6 +20,8 @@ constexpr double personPadX = 0.35, personPadY = 0.08;
 // about three face widths wide that goes on to the bottom of the picture (or out of it).
 constexpr double headPadSides = 0.3, headPadAbove = 0.5, headPadBelow = 0.3;
 constexpr double bodyFaceWidths = 3.0, bodyStartsBelowFace = 0.8;
+// From the chin to the hips is about three face heights; the middle of that is the person for certain.
+constexpr double torsoFaceHeights = 3.0;
 // An arm or a leg stretched out reaches about this many face widths to either side of the face, and a
 // raised hand this many above it.
 constexpr double faceReachSides = 5.0, faceReachAbove = 1.5;
@@ -139,11 +141,11 @@ void addFace(SubjectPriors& priors, const cv::Rect& face, cv::Size size) {
     const int reachTop = face.y - int(std::lround(face.height * faceReachAbove));
     priors.reaches.push_back(
         clippedTo(cv::Rect(centreX - reach, reachTop, 2 * reach, size.height - reachTop), size));
-    // The face's middle, and the neck and chest right below it.
+    // The face's middle, and a narrow strip from just below the chin down the torso.
     priors.cores.push_back(padded(face, -0.2, -0.2, -0.1, -0.1, size));
     priors.cores.push_back(
         clippedTo(cv::Rect(centreX - face.width / 4, face.y + face.height + face.height / 3,
-                           std::max(1, face.width / 2), face.height),
+                           std::max(1, face.width / 2), int(std::lround(face.height * torsoFaceHeights))),
                   size));
 }
 

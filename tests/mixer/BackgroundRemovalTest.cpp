@@ -82,10 +82,10 @@ TEST(BackgroundRemoval, FindsPastedSubjectsOverOtherPhotos) {
         const double iou = cut ? intersectionOverUnion(alphaOf(*cut), sample.truth) : 0.0;
         total += iou;
     }
-    // Measured 0.48 over 22 composites: the footballer's 0.57 to 0.87 (an outstretched arm or leg lost
-    // over a busy background, a large colourful object touching him taken in), the two men's 0.1 to
+    // Measured 0.50 over 22 composites: the footballer's 0.57 to 0.87 (an outstretched arm or leg lost
+    // over a busy background, a large colourful object touching him taken in), the two men's 0.16 to
     // 0.34 (the man on the left alone, see above).
-    EXPECT_GE(total / samples.size(), 0.45);
+    EXPECT_GE(total / samples.size(), 0.47);
 }
 
 TEST(BackgroundRemoval, PicturesWithoutASubjectOrTooSmallGiveNothing) {

@@ -8,11 +8,13 @@
 
 namespace {
 
-// Qt groups its error codes by layer: below 200 the connection or a proxy, 301…399 the protocol. Those
-// mean no usable answer came; HTTP statuses (content and server errors) are answers and pass through.
-bool isTransportError(QNetworkReply::NetworkError error) {
-    const int code = int(error);
-    return (code > 0 && code < 200) || (code > 300 && code < 400);
+// Qt groups its error codes by layer: below 200 the connection or a proxy, 301…399 the protocol. An
+// answer without a status line is no answer. With one, only the connection's errors spoil it (a body
+// cut short, a stalled transfer); a protocol error with a status is an answer all the same, since Qt
+// files an HTTP 400 there, and content and server errors are answers too.
+bool isTransportError(const QNetworkReply* reply, const QVariant& status) {
+    const int code = int(reply->error());
+    return !status.isValid() || (code > 0 && code < 200);
 }
 
 SystemError transportError(const QNetworkReply* reply) {
@@ -97,7 +99,7 @@ void UrlSession::start(UrlRequest request, UrlSessionDataTask::Completion comple
             QObject::connect(reply, &QNetworkReply::finished, reply, [reply, completion] {
                 reply->deleteLater();
                 const QVariant status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute);
-                if (isTransportError(reply->error()) || !status.isValid()) {
+                if (isTransportError(reply, status)) {
                     completion(std::nullopt, std::nullopt, transportError(reply));
                     return;
                 }

@@ -225,12 +225,15 @@ TEST(FaceSwapServiceTest, FetchFailuresUseTheBodyOrGenericWords) {
     LoopbackServer http;
     http.server.Get(R"(/result/.*)", [&](const httplib::Request& req, httplib::Response& res) {
         const std::string id = req.path.substr(std::string("/result/").size());
-        res.status = id == "notimage" ? 200 : 500;
-        if (id == "empty")
+        res.status = id == "notimage" ? 200 : id == "edge" ? 299 : id == "past" ? 300 : 500;
+        if (id == "edge") {
+            const QByteArray jpeg = solidImage(6, 4, Qt::blue)->jpegData(0.9);
+            res.set_content(jpeg.toStdString(), "image/jpeg");
+        } else if (id == "empty")
             res.set_content("", "text/plain");
         else if (id == "binary")
             res.set_content("\xc3\x28", "text/plain");
-        else if (id == "words")
+        else if (id == "words" || id == "past")
             res.set_content("No face found in the source photo", "text/plain");
         else
             res.set_content("this is not a picture", "image/jpeg");
@@ -248,6 +251,21 @@ TEST(FaceSwapServiceTest, FetchFailuresUseTheBodyOrGenericWords) {
     EXPECT_EQ(fetch("binary"), ServiceError::server("Unknown server error"));
     EXPECT_EQ(fetch("words"), ServiceError::server("No face found in the source photo"));
     EXPECT_EQ(fetch("notimage"), ServiceError::invalidImageResponse());
+    // Every status of the 200s is a success, and the first of the 300s is not.
+    Outcome<FaceSwapService::FetchResult> edge;
+    service.fetchResult(QStringLiteral("edge"), edge.completion());
+    ASSERT_TRUE(edge.wait());
+    const auto* picture = std::get_if<ImagePtr>(&edge.results.front());
+    ASSERT_TRUE(picture && *picture);
+    EXPECT_EQ((*picture)->pixelSize(), QSize(6, 4));
+    EXPECT_EQ(fetch("past"), ServiceError::server("No face found in the source photo"));
+}
+
+TEST(FaceSwapServiceTest, TaskIdsAreEscapedForThePathButLettersAndDigitsStay) {
+    EXPECT_EQ(FaceSwapService::percentEncodedPathComponent(QStringLiteral("Job-0_9.z~a/b:c@d")),
+              QStringLiteral("Job-0_9.z~a/b:c@d"));
+    EXPECT_EQ(FaceSwapService::percentEncodedPathComponent(QStringLiteral("a b?c#0%é")),
+              QStringLiteral("a%20b%3Fc%230%25%C3%A9"));
 }
 
 TEST(FaceSwapServiceTest, FetchFailureWithNoBodyAtAllUsesGenericWords) {

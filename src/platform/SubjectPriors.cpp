@@ -152,6 +152,15 @@ void addFace(SubjectPriors& priors, const cv::Rect& face, cv::Size size) {
 // Subjects that stand out from the picture's border by colour, for pictures without people or faces:
 // the largest area far from every border colour, when it is compact and distinct enough.
 std::optional<cv::Rect> salientBox(const cv::Mat& bgr) {
+    // OpenCV builds its 8-bit Lab tables on first use without a lock, so photos cut out at the same
+    // time would each build and leak a set; one conversion before any of them makes the tables once.
+    static const bool labTablesBuilt = [] {
+        const cv::Mat pixel(1, 1, CV_8UC3, cv::Scalar::all(0));
+        cv::Mat converted;
+        cv::cvtColor(pixel, converted, cv::COLOR_BGR2Lab);
+        return true;
+    }();
+    (void)labTablesBuilt;
     cv::Mat lab;
     cv::cvtColor(bgr, lab, cv::COLOR_BGR2Lab);
     lab.convertTo(lab, CV_32FC3);

@@ -2,15 +2,12 @@
 
 #include "platform/Vision.h"
 
-#include <QFileInfo>
 #include <QImage>
-#include <QString>
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/objdetect.hpp>
 #include <optional>
-#include <string>
 
 namespace {
 
@@ -37,12 +34,6 @@ constexpr double profileScaleStep = 1.15;
 constexpr int profileMinNeighbours = 20;
 // As for frontal faces: one narrower than a twentieth of the picture is no subject.
 constexpr double profileMinFraction = 0.05;
-
-#ifdef LUMIVEX_OPENCV_DATA_DIR
-constexpr const char* builtInDataDir = LUMIVEX_OPENCV_DATA_DIR;
-#else
-constexpr const char* builtInDataDir = "/usr/share/opencv4";
-#endif
 
 cv::Rect clippedTo(const cv::Rect& r, cv::Size size) {
     return r & cv::Rect(0, 0, size.width, size.height);
@@ -74,31 +65,11 @@ double overlap(const cv::Rect& a, const cv::Rect& b) {
     return both / std::max(1.0, double(std::min(a.area(), b.area())));
 }
 
-// The classifier is not safe to share between threads, and loading it takes tens of milliseconds: each
-// thread keeps its own. Null when the model file is missing.
-cv::CascadeClassifier* profileDetector() {
-    thread_local std::string loadedPath;
-    thread_local cv::CascadeClassifier cascade;
-    QString dir = qEnvironmentVariable(VisionRequestHandler::dataDirVariable);
-    if (dir.isEmpty())
-        dir = QString::fromUtf8(builtInDataDir);
-    const std::string path =
-        (dir + QStringLiteral("/haarcascades/") + QString::fromUtf8(profileCascadeFile)).toStdString();
-    if (path == loadedPath && !cascade.empty())
-        return &cascade;
-    loadedPath.clear();
-    cascade = cv::CascadeClassifier();
-    if (!QFileInfo(QString::fromStdString(path)).isFile() || !cascade.load(path))
-        return nullptr;
-    loadedPath = path;
-    return &cascade;
-}
-
 // Faces seen from the side, looking either way: the model knows one side, so the picture is also
 // searched mirrored. Boxes in the grey picture's pixels.
 std::vector<cv::Rect> profileFaces(const cv::Mat& grey) {
     std::vector<cv::Rect> result;
-    cv::CascadeClassifier* cascade = profileDetector();
+    cv::CascadeClassifier* cascade = Vision::stockCascade(profileCascadeFile);
     if (!cascade)
         return result;
     const int minSide = std::max(cascade->getOriginalWindowSize().width,

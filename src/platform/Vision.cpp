@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <map>
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/objdetect.hpp>
@@ -166,29 +167,6 @@ cv::HOGDescriptor& peopleDetector() {
     return detector.hog;
 }
 
-std::string faceCascadePath() {
-    QString dir = qEnvironmentVariable(VisionRequestHandler::dataDirVariable);
-    if (dir.isEmpty())
-        dir = QString::fromUtf8(builtInDataDir);
-    return (dir + QStringLiteral("/haarcascades/") + QString::fromUtf8(faceCascadeFile)).toStdString();
-}
-
-// Loading the model takes tens of milliseconds, so each thread keeps its own; the classifier is not
-// safe to share between threads.
-cv::CascadeClassifier* faceDetector() {
-    thread_local std::string loadedPath;
-    thread_local cv::CascadeClassifier cascade;
-    const std::string path = faceCascadePath();
-    if (path == loadedPath && !cascade.empty())
-        return &cascade;
-    loadedPath.clear();
-    cascade = cv::CascadeClassifier();
-    if (!QFileInfo(QString::fromStdString(path)).isFile() || !cascade.load(path))
-        return nullptr;
-    loadedPath = path;
-    return &cascade;
-}
-
 } // namespace
 
 VisionRequestHandler::VisionRequestHandler(const Image& image)
@@ -234,7 +212,7 @@ std::optional<std::vector<VisionObservation>> VisionRequestHandler::detectFaceRe
     if (grey_.isNull())
         return std::nullopt;
     try {
-        cv::CascadeClassifier* cascade = faceDetector();
+        cv::CascadeClassifier* cascade = Vision::stockCascade(faceCascadeFile);
         if (!cascade)
             return std::nullopt;
         const cv::Mat grey = matOf(grey_);
@@ -277,6 +255,28 @@ std::optional<QRectF> largestBox(const std::vector<VisionObservation>& observati
         }
     }
     return best;
+}
+
+cv::CascadeClassifier* stockCascade(const char* fileName) {
+    struct Loaded {
+        std::string path;
+        cv::CascadeClassifier cascade;
+    };
+    thread_local std::map<std::string, Loaded> loaded;
+    QString dir = qEnvironmentVariable(VisionRequestHandler::dataDirVariable);
+    if (dir.isEmpty())
+        dir = QString::fromUtf8(builtInDataDir);
+    const std::string path =
+        (dir + QStringLiteral("/haarcascades/") + QString::fromUtf8(fileName)).toStdString();
+    Loaded& entry = loaded[fileName];
+    if (entry.path == path && !entry.cascade.empty())
+        return &entry.cascade;
+    entry.path.clear();
+    entry.cascade = cv::CascadeClassifier();
+    if (!QFileInfo(QString::fromStdString(path)).isFile() || !entry.cascade.load(path))
+        return nullptr;
+    entry.path = path;
+    return &entry.cascade;
 }
 
 } // namespace Vision

@@ -7,6 +7,10 @@
 #include <optional>
 #include <vector>
 
+namespace cv {
+class CascadeClassifier;
+}
+
 // One thing found in a picture. The box is normalised to 0…1 in the upright picture (orientation flag
 // applied) with its origin at the bottom left, y growing upward. Confidence is 0…1, higher is surer.
 struct VisionObservation {
@@ -44,5 +48,11 @@ namespace Vision {
 // The box with the largest area (width × height); on equal areas the earlier one. Nothing for an empty
 // list.
 std::optional<QRectF> largestBox(const std::vector<VisionObservation>& observations);
+
+// This thread's copy of one of OpenCV's stock cascade models, read from the haarcascades folder of the
+// data folder (see VisionRequestHandler::dataDirVariable); null when the file is missing or unreadable.
+// A classifier is not safe to share between threads, and reading one takes tens of milliseconds, so
+// each thread keeps the ones it has read.
+cv::CascadeClassifier* stockCascade(const char* fileName);
 
 } // namespace Vision

@@ -154,6 +154,7 @@ LayersPanelView::LayersPanelView(QWidget* parent) : QWidget(parent) {
     rowsView_->setAutoFillBackground(false);
 
     dropIndicator_ = new QWidget(rowsView_);
+    dropIndicator_->setObjectName(QStringLiteral("dropIndicator"));
     dropIndicator_->setAttribute(Qt::WA_StyledBackground);
     dropIndicator_->setAttribute(Qt::WA_TransparentForMouseEvents);
     dropIndicator_->setStyleSheet(QStringLiteral("background: rgb(%1, %2, %3); border-radius: 1px;")

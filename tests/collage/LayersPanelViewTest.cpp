@@ -177,6 +177,35 @@ TEST(LayersPanelViewTest, DropsMoveRowsWithinTheListOnly) {
     EXPECT_EQ(f.moves.back(), std::make_pair(0, 2));
 }
 
+// While a row is dragged, a line shows where it will land: above the row under the pointer when it
+// moves up the list, below it when it moves down, and nothing over its own row or once the drag leaves.
+TEST(LayersPanelViewTest, TheDropLineStandsOnTheSideTheRowWillTake) {
+    LayersFixture f;
+    f.panel->open();
+    auto* line = f.panel->findChild<QWidget*>(QStringLiteral("dropIndicator"));
+    ASSERT_NE(line, nullptr);
+    const auto hover = [&](int from, int over) {
+        std::unique_ptr<QMimeData> data(f.panel->mimeDataForRow(from));
+        QDragEnterEvent enter(f.pointInRow(over), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(f.viewport(), &enter);
+        QDragMoveEvent move(f.pointInRow(over), Qt::MoveAction, data.get(), Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(f.viewport(), &move);
+    };
+    hover(0, 2);
+    ASSERT_TRUE(line->isVisible());
+    EXPECT_EQ(line->geometry().center().y(), 3 * LayerCell::rowHeight - 1);
+    hover(2, 1);
+    ASSERT_TRUE(line->isVisible());
+    EXPECT_EQ(line->geometry().center().y(), LayerCell::rowHeight - 1);
+    hover(1, 1);
+    EXPECT_FALSE(line->isVisible());
+    hover(0, 1);
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(f.viewport(), &leave);
+    EXPECT_FALSE(line->isVisible());
+    EXPECT_TRUE(f.moves.empty());
+}
+
 TEST(LayersPanelViewTest, ControlArrowsMoveTheSelectedRow) {
     LayersFixture f;
     f.selected = 0;

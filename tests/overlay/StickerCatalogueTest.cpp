@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QTest>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace {
@@ -73,6 +74,11 @@ TEST_F(StickerCatalogueTest, RowsShowTheirCategoryAndAReusedRowFollowsItsNewSect
     EXPECT_EQ(row->categoryNameLbl()->text(), "Party");
     ASSERT_EQ(row->visibleCells().size(), 29);
     EXPECT_EQ(row->visibleCells().last()->stickerName(), "party29");
+    // The thirtieth tile of the longer category before is hidden, not left showing its old picture.
+    const auto tiles = row->findChildren<StickerCollectionCell*>();
+    EXPECT_EQ(
+        std::count_if(tiles.begin(), tiles.end(), [row](QWidget* tile) { return tile->isVisibleTo(row); }),
+        29);
     row->configure(0);
     EXPECT_EQ(row->visibleCells().size(), 30);
     EXPECT_EQ(row->visibleCells()[29]->stickerName(), "butterfly30");

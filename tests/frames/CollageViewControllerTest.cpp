@@ -109,6 +109,21 @@ TEST_F(ClassicCollage, FourPhotosFillTheCellsAndTheTrayOffersTheOtherFramesOfFou
     EXPECT_EQ(editor->index, 17);
 }
 
+// Screens of 812 points and taller have room above the frame for the notch and keep the frame higher.
+TEST_F(ClassicCollage, TheFrameSitsHigherFromScreensOf812PointsUp) {
+    const QSizeF phone = Screen::main().size();
+    for (const auto& [height, top] : {std::pair{812, 120}, std::pair{811, 154}}) {
+        Screen::main().setSize(QSizeF(375, height));
+        window.resize(375, height);
+        open(0, QStringList{kFour[0], kFour[1]});
+        ASSERT_TRUE(testsupport::waitUntil([&] { return laidOut(); })) << height;
+        EXPECT_EQ(editor->mainview()->geometry().top(), top) << height;
+        editor->dismiss(false);
+        ASSERT_TRUE(testsupport::waitUntil([&] { return root->presentedViewController() == nullptr; }));
+    }
+    Screen::main().setSize(phone);
+}
+
 TEST_F(ClassicCollage, ALookStaysOnItsCellThroughAFrameChangeAndLooksDoNotAddUp) {
     open(12, kFour);
     ASSERT_TRUE(testsupport::waitUntil([&] { return laidOut(); }));

@@ -314,6 +314,37 @@ TEST_F(CarouselTest, AfterAHandDragTheClockResumesFromTheSwipedSlide) {
     ASSERT_NE(home->carouselTimer(), nullptr);
 }
 
+// A short quick swipe turns the page either way, as on a phone; the same swipe that rests on the glass
+// before letting go springs back. Real time: the speed is measured between the moves.
+TEST_F(CarouselTest, AQuickShortSwipeTurnsThePageButNotAfterAPause) {
+    showHome();
+    home->nextImage();
+    ASSERT_EQ(home->currentCarouselIndex(), 1);
+    const int w = pageWidth();
+    const int y = viewport()->height() / 2;
+    const auto swipe = [&](int fromX, int toX, int pauseMs) {
+        QTest::mousePress(viewport(), Qt::LeftButton, {}, QPoint(fromX, y));
+        // A first step starts the drag; the speed is then taken over the second, whatever the load.
+        const int direction = toX > fromX ? 1 : -1;
+        for (const int x : {fromX + direction * 12, toX}) {
+            QTest::qWait(5);
+            const QPointF at(x, y);
+            QMouseEvent move(QEvent::MouseMove, at, viewport()->mapToGlobal(at), Qt::NoButton, Qt::LeftButton,
+                             Qt::NoModifier);
+            QApplication::sendEvent(viewport(), &move);
+        }
+        QTest::qWait(pauseMs);
+        QTest::mouseRelease(viewport(), Qt::LeftButton, {}, QPoint(toX, y));
+    };
+    const int shortSwipe = w / 6; // under the fifth of a page that turns it when dragged slowly
+    swipe(w / 2, w / 2 - shortSwipe, 0);
+    EXPECT_EQ(home->currentCarouselIndex(), 2) << "forward";
+    swipe(w / 2, w / 2 + shortSwipe, 0);
+    EXPECT_EQ(home->currentCarouselIndex(), 1) << "back";
+    swipe(w / 2, w / 2 + shortSwipe, 300);
+    EXPECT_EQ(home->currentCarouselIndex(), 1) << "after a pause";
+}
+
 TEST_F(CarouselTest, LeavingTheScreenStopsTheClockForGood) {
     showHome();
     ASSERT_NE(home->carouselTimer(), nullptr);

@@ -81,11 +81,25 @@ TEST_F(TextEditTest, TheScreenShowsWhatItCoversBlurred) {
     palette.setColor(QPalette::Window, QColor(200, 30, 30));
     editor.setPalette(palette);
     editor.setAutoFillBackground(true);
+    // Blue on the right half: the blur runs the two colours into each other a good way either side of
+    // the line between them, and leaves each pure far from it.
+    QWidget right(&editor);
+    right.setGeometry(195, 0, 195, 844);
+    QPalette blue = right.palette();
+    blue.setColor(QPalette::Window, QColor(20, 40, 220));
+    right.setPalette(blue);
+    right.setAutoFillBackground(true);
     open("", false);
-    ASSERT_FALSE(screen->blurredBackground().isNull());
-    const QColor middle = screen->blurredBackground().pixelColor(screen->width() / 2, screen->height() / 2);
-    EXPECT_GT(middle.red(), 150);
-    EXPECT_LT(middle.green(), 80);
+    const QImage blurred = screen->blurredBackground();
+    ASSERT_FALSE(blurred.isNull());
+    const int y = screen->height() / 2;
+    const QColor left = blurred.pixelColor(40, y);
+    EXPECT_GT(left.red(), 150);
+    EXPECT_LT(left.green(), 80);
+    EXPECT_LT(left.blue(), 60);
+    const QColor nearLine = blurred.pixelColor(195 - 14, y);
+    EXPECT_GT(nearLine.blue(), 60) << "the blur reaches well past the line";
+    EXPECT_GT(blurred.pixelColor(195 + 14, y).red(), 50);
 }
 
 TEST(FontList, TablesRunSideBySideAndCaptionsUseRubik) {

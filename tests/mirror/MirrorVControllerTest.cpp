@@ -7,6 +7,7 @@
 #include "mirror/EditBtnCell.h"
 #include "mirror/MirrorCanvasView.h"
 #include "mirror/MirrorScreens.h"
+#include "overlay/FontCell.h"
 #include "overlay/OverlayScreens.h"
 #include "overlay/TextEditViewController.h"
 #include "platform/Alert.h"
@@ -19,6 +20,8 @@
 #include <QDir>
 #include <QPointer>
 #include <QScopeGuard>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QVariantAnimation>
 #include <gtest/gtest.h>
@@ -150,6 +153,12 @@ TEST_F(MirrorEditorTest, FontListSetsThirtyPointsWhateverTheCaptionSize) {
     EXPECT_GT(label->font().pixelSize(), 40);
     editor->didSelectFont(20);
     EXPECT_EQ(label->font().pixelSize(), 30);
+    // The chosen font glides to the middle of the list.
+    QScrollArea* list = editor->fontCollectionView();
+    testsupport::waitUntil([&] { return list->horizontalScrollBar()->value() > 0; });
+    const FontCell* chosen = editor->fontCells()[20];
+    const int centre = chosen->x() + chosen->width() / 2 - list->horizontalScrollBar()->value();
+    EXPECT_NEAR(centre, list->viewport()->width() / 2, 1);
     editor->fontCancelAction();
     EXPECT_EQ(label->fontName(), QStringLiteral("Rubik-Bold"));
 }

@@ -229,6 +229,17 @@ TEST(CropViewControllerTest, TurningCarriesTheRectangleAndTheShape) {
     EXPECT_EQ(screen.state(), (CropperState{0, QRect(0, 0, 400, 300), CropAspectRatio::free}));
 }
 
+// A state that was turned past a whole turn, either way, opens at the same quarter.
+TEST(CropViewControllerTest, AStateTurnedBackOrRoundAgainOpensAtItsQuarter) {
+    const ImagePtr image = Image::make(quadrants(400, 300));
+    for (const auto& [given, quarter] : {std::pair{-1, 3}, std::pair{-6, 2}, std::pair{5, 1}}) {
+        CropViewController screen(image, CropperState{given, QRect(0, 0, 100, 100), CropAspectRatio::free});
+        screen.loadViewIfNeeded();
+        EXPECT_EQ(screen.state().rotationQuarterTurns, quarter) << given;
+        EXPECT_EQ(screen.pictureSize(), quarter % 2 ? QSize(300, 400) : QSize(400, 300)) << given;
+    }
+}
+
 TEST(CropViewControllerTest, DoneGivesAStateAndCancelGivesNone) {
     CropFixture f;
     f.screen.rotateLeft();

@@ -6,7 +6,6 @@
 #include "e2e/Journey.h"
 #include "export/RateShareController.h"
 #include "platform/AppWindow.h"
-#include "platform/NavigationController.h"
 #include "platform/Notifications.h"
 #include "platform/PhotoLibrary.h"
 #include "platform/PhotoPicker.h"
@@ -17,7 +16,6 @@
 #include "shell/AppDelegate.h"
 #include "shell/FeatureGridCell.h"
 #include "shell/NewHomePageController.h"
-#include "shell/TutorialPageViewController.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -42,13 +40,8 @@ TEST_F(Journey, ThreePhotosBecomeOneSavedCollage) {
         {QStringLiteral("messi5.jpg"), QStringLiteral("fruits.jpg"), QStringLiteral("building.jpg")});
     ShareSheet::resetPresentationRecord();
     ASSERT_TRUE(start());
-    auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
-    ASSERT_NE(tutorial, nullptr);
-    QTest::mouseClick(qobject_cast<TutorialPageViewController*>(tutorial->topViewController())->skipButton(),
-                      Qt::LeftButton);
-    auto* home = qobject_cast<NewHomePageController*>(window->rootViewController());
+    NewHomePageController* home = skipToHome();
     ASSERT_NE(home, nullptr);
-    QCoreApplication::processEvents();
 
     QTest::mouseClick(home->featureCell(0), Qt::LeftButton);
     PhotoPicker* picker = waitForPresented<PhotoPicker>();

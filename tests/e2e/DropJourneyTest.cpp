@@ -2,9 +2,7 @@
 #include "e2e/Journey.h"
 #include "platform/Alert.h"
 #include "platform/AppWindow.h"
-#include "platform/NavigationController.h"
 #include "shell/NewHomePageController.h"
-#include "shell/TutorialPageViewController.h"
 #include "support/TestSupport.h"
 
 #include <QApplication>
@@ -71,13 +69,8 @@ TEST_F(Journey, DroppedPhotosOpenTheEditorAndADroppedHeicJoinsIt) {
     }
 
     ASSERT_TRUE(start());
-    auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
-    ASSERT_NE(tutorial, nullptr);
-    QTest::mouseClick(qobject_cast<TutorialPageViewController*>(tutorial->topViewController())->skipButton(),
-                      Qt::LeftButton);
-    auto* home = qobject_cast<NewHomePageController*>(window->rootViewController());
+    NewHomePageController* home = skipToHome();
     ASSERT_NE(home, nullptr);
-    QCoreApplication::processEvents();
 
     // Onto the feature cards in the middle of the home screen.
     const QPoint middle = window->rect().center();

@@ -1,6 +1,11 @@
 #include "e2e/Journey.h"
 
 #include "platform/Animations.h"
+#include "platform/NavigationController.h"
+#include "shell/NewHomePageController.h"
+#include "shell/TutorialPageViewController.h"
+
+#include <QPushButton>
 
 #include <QDateTime>
 #include <QFile>
@@ -107,6 +112,22 @@ QStringList Journey::albumFiles() const {
     for (const QString& name : album.entryList(QDir::Files, QDir::Name))
         files << album.filePath(name);
     return files;
+}
+
+NewHomePageController* Journey::skipToHome() {
+    auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
+    auto* page =
+        tutorial ? qobject_cast<TutorialPageViewController*>(tutorial->topViewController()) : nullptr;
+    if (!page) {
+        ADD_FAILURE() << "no tutorial page at the first start";
+        return nullptr;
+    }
+    click(page->skipButton());
+    auto* home = qobject_cast<NewHomePageController*>(window->rootViewController());
+    if (!home)
+        ADD_FAILURE() << "the home screen did not replace the tutorial";
+    QCoreApplication::processEvents();
+    return home;
 }
 
 } // namespace journey

@@ -12,6 +12,8 @@
 #include <gtest/gtest.h>
 #include <memory>
 
+class NewHomePageController;
+
 namespace journey {
 
 // A user's machine for one journey: a home folder with a Pictures folder, an empty album and a fresh
@@ -26,6 +28,10 @@ protected:
 
     // Starts the program; photos as if named on its command line.
     AppWindow* start(const QStringList& photos = {});
+
+    // At the first start: skips the tutorial with a click on its Skip button and answers the home
+    // screen that replaces it (null, with a failure recorded, when either is missing).
+    NewHomePageController* skipToHome();
 
     // Copies bundled sample photos into the Pictures folder, oldest first; answers their paths there.
     QStringList putIntoPictures(const QStringList& sampleNames);

@@ -15,13 +15,11 @@
 #include "frames/FrameCellItem.h"
 #include "frames/GridCell.h"
 #include "frames/GridViewController.h"
-#include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
 #include "platform/Screen.h"
 #include "platform/ShareSheet.h"
 #include "shell/FeatureGridCell.h"
 #include "shell/NewHomePageController.h"
-#include "shell/TutorialPageViewController.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
@@ -159,13 +157,8 @@ TEST_F(LayoutJourney, FourPhotosInAClassicFrameAreSavedAsJpgPngAndTiff) {
                                                 QStringLiteral("building.jpg"), QStringLiteral("apple.jpg"),
                                                 QStringLiteral("starry_night.jpg")});
     ASSERT_TRUE(start());
-    auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
-    ASSERT_NE(tutorial, nullptr);
-    QTest::mouseClick(qobject_cast<TutorialPageViewController*>(tutorial->topViewController())->skipButton(),
-                      Qt::LeftButton);
-    auto* home = qobject_cast<NewHomePageController*>(window->rootViewController());
+    NewHomePageController* home = skipToHome();
     ASSERT_NE(home, nullptr);
-    QCoreApplication::processEvents();
 
     // Layout card → grid → frame 13, which has four cells.
     click(home->featureCell(2));

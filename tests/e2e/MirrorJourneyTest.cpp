@@ -22,13 +22,11 @@
 #include "overlay/StickerCategoryController.h"
 #include "overlay/StickerCells.h"
 #include "overlay/TextEditViewController.h"
-#include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
 #include "platform/Screen.h"
 #include "platform/ShareSheet.h"
 #include "shell/FeatureGridCell.h"
 #include "shell/NewHomePageController.h"
-#include "shell/TutorialPageViewController.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
@@ -150,12 +148,8 @@ protected:
 TEST_F(MirrorJourney, OnePhotoBecomesAMirrorWithCaptionStickerAndLookSavedInFourFormats) {
     const QStringList photos = putIntoPictures({QStringLiteral("fruits.jpg")});
     ASSERT_TRUE(start());
-    auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
-    ASSERT_NE(tutorial, nullptr);
-    click(qobject_cast<TutorialPageViewController*>(tutorial->topViewController())->skipButton());
-    auto* home = qobject_cast<NewHomePageController*>(window->rootViewController());
+    NewHomePageController* home = skipToHome();
     ASSERT_NE(home, nullptr);
-    QCoreApplication::processEvents();
 
     click(home->featureCell(3));
     auto* picker = waitForPresented<PhotoPicker>();

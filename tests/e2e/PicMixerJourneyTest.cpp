@@ -9,14 +9,12 @@
 #include "mixer/GradientSwatchButton.h"
 #include "mixer/PicMixerViewController.h"
 #include "platform/ColorPicker.h"
-#include "platform/NavigationController.h"
 #include "platform/PhotoPicker.h"
 #include "platform/ProgressHud.h"
 #include "platform/ShareSheet.h"
 #include "platform/TestMediaFiles.h"
 #include "shell/FeatureGridCell.h"
 #include "shell/NewHomePageController.h"
-#include "shell/TutorialPageViewController.h"
 
 #include <QPushButton>
 #include <QSlider>
@@ -42,13 +40,8 @@ TEST_F(Journey, ThreePhotosBecomeCutOutsOnAGradientAndAreSaved) {
         {QStringLiteral("messi5.jpg"), QStringLiteral("basketball1.png"), QStringLiteral("fruits.jpg")});
     ShareSheet::resetPresentationRecord();
     ASSERT_TRUE(start());
-    auto* tutorial = qobject_cast<NavigationController*>(window->rootViewController());
-    ASSERT_NE(tutorial, nullptr);
-    QTest::mouseClick(qobject_cast<TutorialPageViewController*>(tutorial->topViewController())->skipButton(),
-                      Qt::LeftButton);
-    auto* home = qobject_cast<NewHomePageController*>(window->rootViewController());
+    NewHomePageController* home = skipToHome();
     ASSERT_NE(home, nullptr);
-    QCoreApplication::processEvents();
 
     click(home->featureCell(4));
     PhotoPicker* picker = waitForPresented<PhotoPicker>();
